@@ -1,0 +1,1 @@
+// The host stand-in.
