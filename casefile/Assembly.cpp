@@ -1,0 +1,658 @@
+// Cell assembly from faces, and the node numbering of zones.
+//
+// A case file has no cell-to-node table. Every face lists its nodes and the
+// cells on its two sides; each cell grows its node list face by face in fixed
+// slots, so that the node order comes out right by topology alone:
+//
+//   - a cell on side 0 sees a face as it stands, one on side 1 sees it reversed;
+//   - the first face of a cell (the seed) fills the first slots;
+//   - every later face is fitted to an edge that the cell already holds.
+//
+// Faces of four nodes go first (pass 0), then those of fewer (pass 1), so that
+// a quadrilateral base seeds a brick before any triangle is seen: pyramids,
+// wedges and tetrahedra in a brick zone come out as degenerate bricks, and
+// triangles in a quadrilateral zone as degenerate quadrilaterals.
+//
+// Local node numbers of the six faces of a brick, by local face number:
+//
+//   face 1: 0 3 7 4    face 2: 2 1 5 6    face 3: 1 0 4 5
+//   face 4: 3 2 6 7    face 5: 0 1 2 3    face 6: 4 5 6 7
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+
+#include "casefile/CaseFileInternal.h"
+
+static const int kBrickFaceTable[6][4] = {{0, 3, 7, 4}, {2, 1, 5, 6}, {1, 0, 4, 5},
+                                          {3, 2, 6, 7}, {0, 1, 2, 3}, {4, 5, 6, 7}};
+
+int32_t nodesPerCellOfHostZoneType(int32_t hostZoneType) {
+    switch (hostZoneType) {
+        case ZorZoneType_FETriangle:
+            return 3;
+        case ZorZoneType_FEQuad:
+        case ZorZoneType_FETetra:
+            return 4;
+        case ZorZoneType_FEBrick:
+            return 8;
+        case ZorZoneType_FELineSeg:
+            return 2;
+        default:
+            return 0;
+    }
+}
+
+// ---- Adding one face to one cell -------------------------------------------------------
+
+// A slot is free or equal when it holds UNSET_NODE or the named value.
+static inline bool freeOrEqual(int32_t slot, int32_t value) {
+    return slot == UNSET_NODE || slot == value;
+}
+
+static bool assemblyError(int32_t cellNumber) {
+    showErrorf("Error assembling cell %d from faces.", cellNumber);
+    return false;
+}
+
+bool addFaceToTriangle(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+    int32_t a = face[0], b = face[1];
+    if (a == slots[1] && freeOrEqual(slots[2], b)) {
+        slots[2] = b;
+        *localFace = 2;
+        return true;
+    }
+    if (a != slots[1] && b == slots[0] && freeOrEqual(slots[2], a)) {
+        slots[2] = a;
+        *localFace = 3;
+        return true;
+    }
+    if (a != slots[1] && b != slots[0]) {
+        showErrorf("Error adding face nodes %d and %d to cell %d.", a, b, cellNumber);
+        return false;
+    }
+    return assemblyError(cellNumber);
+}
+
+bool addFaceToQuad(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+    int32_t a = face[0], b = face[1];
+    if (a == slots[1] && freeOrEqual(slots[2], b)) {
+        slots[2] = b;
+        *localFace = 2;
+        return true;
+    }
+    if (a != slots[1] && b == slots[0] && freeOrEqual(slots[3], a)) {
+        slots[3] = a;
+        *localFace = 4;
+        return true;
+    }
+    if (a != slots[1] && b != slots[0] && freeOrEqual(slots[2], a) && freeOrEqual(slots[3], b)) {
+        slots[2] = a;
+        slots[3] = b;
+        *localFace = 3;
+        return true;
+    }
+    return assemblyError(cellNumber);
+}
+
+bool addFaceToTetra(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+    static const int32_t kLocalFaceOfEdge[3] = {2, 4, 3};
+    for (int k = 0; k < 3; ++k) {
+        int32_t p = slots[k];
+        int32_t q = slots[(k + 1) % 3];
+        // The face fits when it runs through the edge (p, q) backwards.
+        int32_t r;
+        if (face[0] == q && face[1] == p) {
+            r = face[2];
+        } else if (face[1] == q && face[2] == p) {
+            r = face[0];
+        } else if (face[2] == q && face[0] == p) {
+            r = face[1];
+        } else {
+            continue;
+        }
+        if (!freeOrEqual(slots[3], r)) {
+            return assemblyError(cellNumber);
+        }
+        slots[3] = r;
+        *localFace = kLocalFaceOfEdge[k];
+        return true;
+    }
+    return assemblyError(cellNumber);
+}
+
+// Place m (1..4) at which (first, second) stand as consecutive nodes of the
+// face, or 0. For a triangle the third pair is (t[2], t[0]) and there is no fourth.
+static inline int findEdge(const int32_t* t, int32_t n, int32_t first, int32_t second) {
+    if (t[0] == first && t[1] == second) {
+        return 1;
+    }
+    if (t[1] == first && t[2] == second) {
+        return 2;
+    }
+    if (n == 3) {
+        return (t[2] == first && t[0] == second) ? 3 : 0;
+    }
+    if (t[2] == first && t[3] == second) {
+        return 3;
+    }
+    if (t[3] == first && t[0] == second) {
+        return 4;
+    }
+    return 0;
+}
+
+// Sets slots x and y from the face nodes behind place m; a collapsed edge for a triangle.
+static inline bool setFromEdge(int32_t cellNumber, const int32_t* t, int32_t n, int m, int x, int y,
+                               int32_t* slots) {
+    int32_t valueX, valueY;
+    if (n == 4) {
+        valueX = t[(m + 1) % 4];
+        valueY = t[(m + 2) % 4];
+    } else {
+        valueX = t[(m + 1) % 3];
+        valueY = valueX;
+    }
+    if (!freeOrEqual(slots[x], valueX) || !freeOrEqual(slots[y], valueY)) {
+        return assemblyError(cellNumber);
+    }
+    slots[x] = valueX;
+    slots[y] = valueY;
+    return true;
+}
+
+bool addFaceToBrick(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t numFaceNodes,
+                    int32_t* slots) {
+    const int32_t n = numFaceNodes;
+    if (n != 3 && n != 4) {
+        return assemblyError(cellNumber);
+    }
+    // A side face: it shares an edge with the bottom (local face 5).
+    for (int f = 0; f < 4; ++f) {
+        const int* row = kBrickFaceTable[f];
+        int m = findEdge(face, n, slots[row[0]], slots[row[1]]);
+        if (m != 0) {
+            *localFace = f + 1;
+            return setFromEdge(cellNumber, face, n, m, row[2], row[3], slots);
+        }
+    }
+    // The top face: nothing to learn while slots 4 to 7 are all alike.
+    if (slots[4] == slots[5] && slots[5] == slots[6] && slots[6] == slots[7]) {
+        *localFace = 6;
+        return true;
+    }
+    for (int j = 0; j < 4; ++j) {
+        int32_t c = slots[4 + j];
+        int32_t d = slots[4 + (j + 1) % 4];
+        int m = findEdge(face, n, d, c);
+        if (m != 0) {
+            *localFace = 6;
+            return setFromEdge(cellNumber, face, n, m, 4 + (j + 3) % 4, 4 + (j + 2) % 4, slots);
+        }
+    }
+    *localFace = 6;
+    return assemblyError(cellNumber);
+}
+
+bool addFaceToCell(int32_t* localFace, int32_t cellNumber, int32_t facesSoFar, const int32_t* faceNodes,
+                   int32_t numFaceNodes, bool forward, int32_t* cellSlots, int32_t hostZoneType) {
+    if (numFaceNodes < 1) {
+        return true;  // an empty face adds nothing
+    }
+    // The whole of the orientation logic: side 1 sees the face mirrored.
+    int32_t t[4];
+    const int32_t n = std::min(numFaceNodes, 4);
+    for (int32_t k = 0; k < n; ++k) {
+        t[k] = forward ? faceNodes[k] : faceNodes[n - 1 - k];
+    }
+    for (int32_t k = n; k < 4; ++k) {
+        t[k] = t[n - 1];
+    }
+    if (facesSoFar == 0) {
+        int32_t seedSize;
+        switch (hostZoneType) {
+            case ZorZoneType_FETriangle:
+            case ZorZoneType_FEQuad:
+                seedSize = 2;
+                break;
+            case ZorZoneType_FETetra:
+                seedSize = 3;
+                break;
+            case ZorZoneType_FEBrick:
+                seedSize = 4;
+                break;
+            default:
+                seedSize = n;
+                break;
+        }
+        int32_t slots = nodesPerCellOfHostZoneType(hostZoneType);
+        int32_t filled = std::max(n, seedSize);
+        if (slots > 0 && filled > slots) {
+            filled = slots;
+        }
+        for (int32_t s = 0; s < filled; ++s) {
+            cellSlots[s] = s < n ? t[s] : t[n - 1];
+        }
+        *localFace = hostZoneType == ZorZoneType_FEBrick ? 5 : 1;
+        return true;
+    }
+    switch (hostZoneType) {
+        case ZorZoneType_FETriangle:
+            return addFaceToTriangle(localFace, cellNumber, t, cellSlots);
+        case ZorZoneType_FEQuad:
+            return addFaceToQuad(localFace, cellNumber, t, cellSlots);
+        case ZorZoneType_FETetra:
+            return addFaceToTetra(localFace, cellNumber, t, cellSlots);
+        case ZorZoneType_FEBrick:
+            return addFaceToBrick(localFace, cellNumber, t, n, cellSlots);
+        default:
+            return true;
+    }
+}
+
+// ---- Child face replacement ---------------------------------------------------------------
+
+// Index of the pair whose child face is `face`, by binary search, or -1.
+static int32_t findChildPair(const ChildFace* record, int32_t face) {
+    int32_t low = 0, high = record->pairCount - 1;
+    while (low <= high) {
+        int32_t middle = low + (high - low) / 2;
+        int32_t child = record->pairs[2 * middle];
+        if (child == face) {
+            return middle;
+        }
+        if (child < face) {
+            low = middle + 1;
+        } else {
+            high = middle - 1;
+        }
+    }
+    return -1;
+}
+
+// First pair above j with another parent than pair j, or the pair count.
+static int32_t endOfParentGroup(const ChildFace* record, int32_t j) {
+    int32_t parent = record->pairs[2 * j + 1];
+    int32_t k = j + 1;
+    while (k < record->pairCount && record->pairs[2 * k + 1] == parent) {
+        ++k;
+    }
+    return k;
+}
+
+// ---- Node numbering of a cell zone ------------------------------------------------------------
+
+static void freeCellZoneNumbering(CellZone* zone) {
+    free(zone->newToOldNodes);
+    zone->newToOldNodes = nullptr;
+    zone->newToOldBytes = 0;
+    free(zone->oldToNewNodes);
+    zone->oldToNewNodes = nullptr;
+}
+
+static inline void markFaceNodes(int32_t* marks, int32_t totalNodes, const int32_t* nodes, int32_t places) {
+    for (int32_t k = 0; k < places; ++k) {
+        int32_t node = nodes[k];
+        if (node != 0 && node >= 1 && node <= totalNodes) {
+            marks[node - 1] = 1;
+        }
+    }
+}
+
+bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+    if (zone->oldToNewNodes != nullptr) {
+        return true;
+    }
+    size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
+    zone->oldToNewNodes = static_cast<int32_t*>(calloc(places > 0 ? places : 1, sizeof(int32_t)));
+    if (zone->oldToNewNodes == nullptr) {
+        return false;
+    }
+    int32_t* marks = zone->oldToNewNodes;
+
+    // Face trees mark faceCells as their zones are loaded; with no trees this
+    // loads nothing, and the marks make repeats harmless.
+    for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+        if (caseFile->faceZones[z].faceCells == nullptr && !CaseFileTrackParentChildFaces(caseFile)) {
+            freeCellZoneNumbering(zone);
+            return false;
+        }
+    }
+
+    const int32_t first = zone->firstIndex, last = zone->lastIndex;
+    for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+        FaceZone* faceZone = &caseFile->faceZones[z];
+        if (faceZone->faceCells == nullptr) {
+            bool loaded = CaseFileLoadFaceZone(caseFile, faceZone);
+            if (faceZone->faceType == 5) {
+                // The file holds polygons: the zone is a polyhedral one, numbered elsewhere.
+                zone->elementType = 7;
+                if (!loaded) {
+                    freeCellZoneNumbering(zone);
+                }
+                return loaded;
+            }
+            if (!loaded) {
+                freeCellZoneNumbering(zone);
+                return false;
+            }
+        }
+        const ChildFace* record = nullptr;
+        const FaceZone* parentZone = nullptr;
+        int32_t parentSlots = 0;
+        if (faceZone->childFaceIndex >= 0) {
+            record = &caseFile->childFaces[faceZone->childFaceIndex];
+            FaceZone* parent = CaseFileFindFaceZone(caseFile, record->parentZoneId, false);
+            if (parent == nullptr) {
+                showErrorf("Face Zone ID = %d (referenced in data file) does not exist.",
+                           record->parentZoneId);
+                freeCellZoneNumbering(zone);
+                return false;
+            }
+            if (parent->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, parent)) {
+                freeCellZoneNumbering(zone);
+                return false;
+            }
+            parentSlots = faceZoneSlots(parent);
+            if (parentSlots == 0 || parent->faceNodes == nullptr) {
+                freeCellZoneNumbering(zone);
+                return false;
+            }
+            parentZone = parent;
+        }
+        const int32_t slots = faceZoneSlots(faceZone);
+        if (slots == 0) {
+            freeCellZoneNumbering(zone);
+            return false;
+        }
+        const int32_t* cells = faceZone->faceCells;
+        const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
+        for (int64_t i = 0; i < count;) {
+            int32_t c0 = cells[2 * i], c1 = cells[2 * i + 1];
+            if (!(first <= c0 && c0 <= last) && !(first <= c1 && c1 <= last)) {
+                ++i;
+                continue;
+            }
+            if (record != nullptr && record->pairs != nullptr) {
+                int32_t j = findChildPair(record, static_cast<int32_t>(faceZone->firstIndex + i));
+                if (j >= 0) {
+                    int64_t parentIndex =
+                        static_cast<int64_t>(record->pairs[2 * j + 1]) - parentZone->firstIndex;
+                    if (parentIndex >= 0 && parentIndex <= parentZone->lastIndex - parentZone->firstIndex) {
+                        markFaceNodes(marks, totalNodes, parentZone->faceNodes + parentIndex * parentSlots,
+                                      parentSlots);
+                    }
+                    // The face behind the group is stepped over unseen (the "+ 1").
+                    int32_t k = endOfParentGroup(record, j);
+                    i += (k - j) + 1;
+                    continue;
+                }
+            }
+            markFaceNodes(marks, totalNodes, faceZone->faceNodes + i * slots, slots);
+            ++i;
+        }
+    }
+
+    int32_t numNodes = 0;
+    for (size_t g = 0; g < places; ++g) {
+        if (marks[g] != 0) {
+            marks[g] = ++numNodes;
+        }
+    }
+    if (numNodes == 0) {
+        showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
+        freeCellZoneNumbering(zone);
+        return false;
+    }
+    size_t bytes = static_cast<size_t>(numNodes) * sizeof(int32_t);
+    zone->newToOldNodes = static_cast<int32_t*>(malloc(bytes));
+    if (zone->newToOldNodes == nullptr) {
+        showErrorf("Unable to allocate %lu bytes of memory for nodes of zone ID %d\nin file '%s'.",
+                   static_cast<unsigned long>(bytes), zone->zoneId, caseFile->fileName);
+        freeCellZoneNumbering(zone);
+        return false;
+    }
+    zone->newToOldBytes = bytes;
+    for (size_t g = 0; g < places; ++g) {
+        if (marks[g] != 0) {
+            zone->newToOldNodes[marks[g] - 1] = static_cast<int32_t>(g + 1);
+        }
+    }
+    zone->numNodes = numNodes;
+    return true;
+}
+
+// ---- Assembly ------------------------------------------------------------------------------
+
+bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells, int32_t nodesPerCell,
+                           int32_t* cellNodes) {
+    int32_t* counters =
+        static_cast<int32_t*>(calloc(numCells > 0 ? static_cast<size_t>(numCells) : 1, sizeof(int32_t)));
+    if (counters == nullptr) {
+        ZorUtilDialogErrMsg("Out of memory while assembling cells from faces.");
+        return false;
+    }
+    const int32_t first = zone->firstIndex, last = zone->lastIndex;
+    const int32_t* oldToNew = zone->oldToNewNodes;
+    const int32_t totalNodes = caseFile->totalNodes;
+    const int32_t hostZoneType = zone->hostZoneType;
+    bool ok = true;
+
+    for (int pass = 0; ok && pass < 2; ++pass) {
+        for (int32_t z = 0; ok && z < caseFile->numFaceZones; ++z) {
+            FaceZone* faceZone = &caseFile->faceZones[z];
+            if (faceZone->boundaryType == 38 || faceZone->boundaryType > 1000) {
+                continue;
+            }
+            const int32_t stride = faceZone->faceType == 0 ? 4 : faceZone->faceType;
+            const ChildFace* record = nullptr;
+            FaceZone* replacement = nullptr;
+            if (faceZone->childFaceIndex >= 0) {
+                record = &caseFile->childFaces[faceZone->childFaceIndex];
+                replacement = CaseFileFindFaceZone(caseFile, record->parentZoneId, false);
+                if (replacement == nullptr || record->pairs == nullptr) {
+                    record = nullptr;
+                    replacement = nullptr;
+                }
+            }
+            if (faceZone->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, faceZone)) {
+                ok = false;
+                break;
+            }
+            if (replacement != nullptr && replacement->faceCells == nullptr &&
+                !CaseFileLoadFaceZone(caseFile, replacement)) {
+                ok = false;
+                break;
+            }
+            if (faceZone->faceCells == nullptr || stride <= 0) {
+                continue;  // polygons take no part
+            }
+            if (replacement != nullptr && replacement->faceCells == nullptr) {
+                record = nullptr;
+                replacement = nullptr;
+            }
+            const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
+            for (int64_t i = 0; ok && i < count;) {
+                const int32_t* nodes;
+                const int32_t* cells;
+                int32_t numNodes;
+                int32_t j = -1;
+                if (record != nullptr) {
+                    j = findChildPair(record, static_cast<int32_t>(faceZone->firstIndex + i));
+                }
+                if (j >= 0) {
+                    // The parent stands in for its children. Its nodes are
+                    // addressed with the stride of the zone being walked.
+                    int64_t w = static_cast<int64_t>(record->pairs[2 * j + 1]) - replacement->firstIndex;
+                    if (w < 0 || w > replacement->lastIndex - replacement->firstIndex) {
+                        ++i;
+                        continue;
+                    }
+                    nodes = replacement->faceNodes + w * stride;
+                    cells = replacement->faceCells + 2 * w;
+                    numNodes =
+                        replacement->faceType != 0 ? replacement->faceType : replacement->faceNodeCounts[w];
+                } else {
+                    nodes = faceZone->faceNodes + i * stride;
+                    cells = faceZone->faceCells + 2 * i;
+                    numNodes = faceZone->faceType != 0 ? faceZone->faceType : faceZone->faceNodeCounts[i];
+                }
+                if (pass == 0 ? numNodes != 4 : numNodes >= 4) {
+                    ++i;
+                    continue;
+                }
+                int32_t mapped[4];
+                for (int side = 0; side < 2; ++side) {
+                    int32_t c = cells[side];
+                    if (c < first || c > last) {
+                        continue;
+                    }
+                    for (int32_t k = 0; k < numNodes; ++k) {
+                        int32_t node = nodes[k];
+                        if (oldToNew == nullptr) {
+                            mapped[k] = node;
+                        } else if (node >= 1 && node <= totalNodes) {
+                            mapped[k] = oldToNew[node - 1];
+                        } else {
+                            mapped[k] = -1;
+                        }
+                        if (side == 0 && mapped[k] < 0) {
+                            ZorUtilDialogErrMsg("Error assembling cells from faces.");
+                            ok = false;
+                            break;
+                        }
+                    }
+                    if (!ok) {
+                        break;
+                    }
+                    int32_t cellIndex = c - first;
+                    ok = addFaceToCell(&faceZone->faceConnectivity[2 * i + side], cellIndex + 1,
+                                       counters[cellIndex], mapped, numNodes, side == 0,
+                                       cellNodes + static_cast<int64_t>(nodesPerCell) * cellIndex,
+                                       hostZoneType);
+                    counters[cellIndex] += 1;
+                    if (!ok) {
+                        break;
+                    }
+                }
+                if (j >= 0) {
+                    // As in the numbering: the face behind the group is stepped over.
+                    int32_t k = endOfParentGroup(record, j);
+                    i += (k - j) + 1;
+                } else {
+                    ++i;
+                }
+            }
+        }
+    }
+    free(counters);
+    return ok;
+}
+
+// ---- Boundary zones ---------------------------------------------------------------------------
+
+static void freeFaceZoneNumbering(FaceZone* zone) {
+    free(zone->zoneNodes);
+    zone->zoneNodes = nullptr;
+    delete zone->nodeNumberMap;
+    zone->nodeNumberMap = nullptr;
+}
+
+bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+    if (zone->zoneNodes != nullptr) {
+        return true;
+    }
+    if (zone->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, zone)) {
+        return false;
+    }
+    const int32_t slots = zone->faceNodes != nullptr ? faceZoneSlots(zone) : 0;
+    size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
+    int32_t* marks = static_cast<int32_t*>(calloc(places > 0 ? places : 1, sizeof(int32_t)));
+    if (marks == nullptr) {
+        return false;
+    }
+    const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
+    for (int64_t i = 0; slots > 0 && i < count; ++i) {
+        markFaceNodes(marks, totalNodes, zone->faceNodes + i * slots, slots);
+    }
+    int32_t numNodes = 0;
+    for (size_t g = 0; g < places; ++g) {
+        if (marks[g] != 0) {
+            marks[g] = ++numNodes;
+        }
+    }
+    if (numNodes == 0) {
+        showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
+        free(marks);
+        return false;
+    }
+    zone->zoneNodes = static_cast<int32_t*>(malloc(static_cast<size_t>(numNodes) * sizeof(int32_t)));
+    if (zone->zoneNodes == nullptr) {
+        free(marks);
+        return false;
+    }
+    for (size_t g = 0; g < places; ++g) {
+        if (marks[g] != 0) {
+            zone->zoneNodes[marks[g] - 1] = static_cast<int32_t>(g + 1);
+        }
+    }
+    free(marks);
+    try {
+        zone->nodeNumberMap = new NodeNumberMap();
+        for (int32_t k = 0; k < numNodes; ++k) {
+            zone->nodeNumberMap->emplace_hint(zone->nodeNumberMap->end(), zone->zoneNodes[k], k);
+        }
+    } catch (const std::exception&) {
+        freeFaceZoneNumbering(zone);
+        return false;
+    }
+    zone->numNodes = numNodes;
+    return true;
+}
+
+bool FaceZoneGetNodeNumsForPoly(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+    (void)caseFile;
+    size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
+    int32_t* numbers = static_cast<int32_t*>(calloc(places > 0 ? places : 1, sizeof(int32_t)));
+    if (numbers == nullptr) {
+        return false;
+    }
+    // Each node gets its number at first sight.
+    int32_t numNodes = 0;
+    const int32_t total = zone->polyNodes != nullptr ? zone->numPolyFaceNodes : 0;
+    for (int32_t k = 0; k < total; ++k) {
+        int32_t node = zone->polyNodes[k];
+        if (node >= 1 && node <= totalNodes && numbers[node - 1] == 0) {
+            numbers[node - 1] = ++numNodes;
+        }
+    }
+    if (zone->zoneNodes == nullptr) {
+        zone->zoneNodes = static_cast<int32_t*>(
+            malloc(numNodes > 0 ? static_cast<size_t>(numNodes) * sizeof(int32_t) : sizeof(int32_t)));
+        if (zone->zoneNodes == nullptr) {
+            free(numbers);
+            return false;
+        }
+    }
+    delete zone->nodeNumberMap;
+    zone->nodeNumberMap = nullptr;
+    try {
+        zone->nodeNumberMap = new NodeNumberMap();
+        for (int32_t k = 0; k < total; ++k) {
+            int32_t node = zone->polyNodes[k];
+            if (node >= 1 && node <= totalNodes && numbers[node - 1] > 0) {
+                int32_t index = numbers[node - 1] - 1;
+                zone->zoneNodes[index] = node;
+                zone->nodeNumberMap->emplace(node, index);
+            }
+        }
+    } catch (const std::exception&) {
+        free(numbers);
+        freeFaceZoneNumbering(zone);
+        return false;
+    }
+    free(numbers);
+    zone->numNodes = numNodes;
+    return true;
+}
