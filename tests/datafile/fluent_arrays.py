@@ -9,9 +9,11 @@
                                   families) in file order, read by this script
 
 Output, one item a line:
+  name I NAME                     (vtk) the reader's cell arrays, in its order
   block B CELLS                   (vtk) block number and its cell count
   array B NAME COMPONENTS TUPLES  (vtk) followed by COMPONENTS*TUPLES values, tuple by tuple
-  field ID FIELD ZONE DIM FIRST LAST   (raw) followed by (LAST-FIRST+1)*DIM values as stored
+  field ID FIELD ZONE DIM FIRST LAST GAP  (raw) followed by (LAST-FIRST+1)*DIM values as stored;
+                                  GAP < 0: the binary numbers run into the end marker
   residual ID ROWS RESID WIDTH    (raw) followed by the body's numbers as stored
 Values are written with repr(), which reads back to the same double.
 """
@@ -28,6 +30,9 @@ def dump_vtk(case_name, out):
     reader.SetFileName(case_name)
     reader.EnableAllCellArrays()
     reader.Update()
+    for i in range(reader.GetNumberOfCellArrays()):
+        name = reader.GetCellArrayName(i) or "-"
+        out.write(f"name {i} {name.replace(' ', '_')}\n")
     output = reader.GetOutput()
     for b in range(output.GetNumberOfBlocks()):
         block = output.GetBlock(b)
@@ -120,7 +125,15 @@ class Walker:
                 h = re.compile(rb"\s*\(([-\d\s]+)\)\s*\(").match(data, body)
                 fid, zone, dim, _levels, _phase, first, last = [int(x) for x in h.group(1).split()]
                 n = (last - first + 1) * dim
-                out.write(f"field {section_id} {fid} {zone} {dim} {first} {last}\n")
+                gap = 0
+                if section_id >= 2000:
+                    # Bytes between the numbers and the "\n" ahead of the end
+                    # marker: 0 in a sound section, negative where the numbers
+                    # run into the marker (a section shorter than its header says).
+                    width = self.double_size if section_id >= 3000 else self.float_size
+                    marker = data.find(b"End of Binary Section   %4d)" % section_id, h.end())
+                    gap = marker - (h.end() + n * width) - 1
+                out.write(f"field {section_id} {fid} {zone} {dim} {first} {last} {gap}\n")
                 for v in self.numbers(h.end(), n, section_id):
                     out.write(repr(float(v)) + "\n")
                 self.pos = self.skip_binary(h.end(), section_id) if section_id >= 2000 else self.skip_ascii(body, 1)
