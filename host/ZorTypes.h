@@ -27,6 +27,7 @@ typedef struct ZorFaceMapImpl* ZorFaceMap;    // face map of a polygon or polyhe
 typedef struct ZorFaceNeighborImpl* ZorFaceNeighbor;  // face neighbours of a zone
 typedef struct ZorNodeToElemMapImpl* ZorNodeToElemMap;  // node-to-element map (derived)
 typedef struct ZorElemToFaceMapImpl* ZorElemToFaceMap;  // faces of each element (derived)
+typedef int32_t ZorGUIID;  // a dialog or control of the dialog toolkit; ZorGUIBadID until made
 
 typedef intptr_t ZorArbParam;  // an argument whose meaning depends on the call
 typedef uint64_t ZorUniqueID;  // unique id of a data set, zone or variable; 0 = none
@@ -94,7 +95,8 @@ enum ZorStateChange : int32_t {
     ZorStateChange_QuitProgram = 15,
     ZorStateChange_ZoneName = 16,
     ZorStateChange_VarName = 17,
-    ZorStateChange_AuxDataAdded = 18
+    ZorStateChange_AuxDataAdded = 18,
+    ZorStateChange_SolutionTime = 19  // solution times of zones changed
 };
 
 // Plot types of a frame.
@@ -141,3 +143,69 @@ typedef bool (*ZorDataSetLoaderSelectedCallback)(ZorStringList fileNames, bool a
 
 // A set or string list position that holds no member.
 constexpr ZorIndex ZorNoMember = -1;
+
+// ---- Further numbers --------------------------------------------------------
+
+// A dialog or control id that stands for nothing (not made yet).
+constexpr ZorGUIID ZorGUIBadID = -1;
+
+// How a set is applied to what it names (ZorUtilXYMapSetActive).
+enum ZorAssignOp : int32_t {
+    ZorAssignOp_Equals = 0,      // exactly the members of the set
+    ZorAssignOp_PlusEquals = 1,  // the members are added
+    ZorAssignOp_MinusEquals = 2  // the members are taken away
+};
+
+// Types of auxiliary data items.
+enum ZorAuxDataType : int32_t { ZorAuxDataType_String = 0 };
+
+// What the host does itself for the face neighbours of a zone whose
+// neighbours a loader gives on demand (ZorUtilDataFaceNbrCustomLOD).
+enum ZorFaceNbrLODMode : int32_t {
+    ZorFaceNbrLODMode_LoaderOnly = 0,  // the loader gives every neighbour
+    ZorFaceNbrLODMode_HostInside = 1   // the host finds neighbours inside the zone; the loader adds the rest
+};
+
+// Kinds of the host's file choosers.
+enum ZorFileDialogType : int32_t {
+    ZorFileDialogType_ReadSingleFile = 0,
+    ZorFileDialogType_ReadMultiFile = 1,
+    ZorFileDialogType_WriteFile = 2
+};
+
+// ---- Load-on-demand callbacks -----------------------------------------------
+//
+// The host calls a load callback on the thread that needs the item, with the
+// add-on lock held; it returns false when the item could not be loaded. An
+// unload callback lets go of what a load took (true when done). A cleanup
+// callback runs once, when the item goes for good, and frees the client data.
+
+typedef bool (*ZorLoadValueCallback)(ZorFieldData fieldData);
+typedef bool (*ZorUnloadValueCallback)(ZorFieldData fieldData);
+typedef void (*ZorCleanupValueCallback)(ZorFieldData fieldData);
+// Custom value access instead of the host's storage: point from 1.
+typedef double (*ZorValueGetFunction)(const ZorFieldData fieldData, ZorIndex point);
+typedef void (*ZorValueSetFunction)(ZorFieldData fieldData, ZorIndex point, double value);
+
+typedef bool (*ZorLoadNodeMapCallback)(ZorNodeMap nodeMap);
+typedef bool (*ZorUnloadNodeMapCallback)(ZorNodeMap nodeMap);
+typedef void (*ZorCleanupNodeMapCallback)(ZorNodeMap nodeMap);
+
+typedef bool (*ZorLoadFaceMapCallback)(ZorFaceMap faceMap);
+typedef bool (*ZorUnloadFaceMapCallback)(ZorFaceMap faceMap);
+typedef void (*ZorCleanupFaceMapCallback)(ZorFaceMap faceMap);
+
+typedef bool (*ZorLoadFaceNbrCallback)(ZorFaceNeighbor faceNeighbor);
+typedef bool (*ZorUnloadFaceNbrCallback)(ZorFaceNeighbor faceNeighbor);
+typedef void (*ZorCleanupFaceNbrCallback)(ZorFaceNeighbor faceNeighbor);
+
+// ---- Dialog toolkit callbacks -------------------------------------------------
+
+// A dialog's init, OK, cancel or help action, or a button press.
+typedef void (*ZorGUIActionCallback)(void);
+// A changed value of a radio box (toggle from 1), toggle (0 or 1), option
+// menu (option from 1), list (the position last clicked, from 1) or tab
+// control (the page's id).
+typedef void (*ZorGUIValueCallback)(const int32_t* value);
+// A text field's text when the user leaves the field; return true to accept it.
+typedef bool (*ZorGUITextCallback)(const char* text);

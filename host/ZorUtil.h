@@ -65,7 +65,8 @@ ZOR_HOST_API void ZorUtilDialogErrMsg(const char* message);
 ZOR_HOST_API bool ZorUtilDialogMessageBox(const char* message, int32_t messageBoxType);
 // Shows the last error that the host recorded, if any.
 ZOR_HOST_API void ZorUtilPostLastErrorMessage(void);
-// File choosers: false when the user cancelled. The names are host strings or lists.
+// File choosers (dialogType a ZorFileDialogType): false when the user cancelled.
+// The names are host strings or lists.
 ZOR_HOST_API bool ZorUtilDialogGetFileName(int32_t dialogType, char** fileName, const char* fileTypeName,
                                            const char* defaultFileName, const char* defaultFilter);
 ZOR_HOST_API bool ZorUtilDialogGetFileNames(int32_t dialogType, ZorStringList* fileNames,
@@ -150,3 +151,7 @@ ZOR_HOST_API void ZorUtilThreadMutexUnlock(ZorMutex mutex);
 ZOR_HOST_API void ZorUtilThreadMutexDealloc(ZorMutex* mutex);
 
 }  // extern "C"
+
+// The families of host operations beside the general ones.
+#include "host/ZorData.h"
+#include "host/ZorGUI.h"
