@@ -11,9 +11,13 @@ void resetAddOnRecords();
 void resetSwitches();
 void resetMessageRecords();
 void resetProgressRecords();
+void resetFrame();
 
 // The switch behind ZorUtilDataSetIsLODAllowed.
 bool loadOnDemandAllowed();
+
+// Prints "minihost: <name> is not implemented yet" on stderr and aborts.
+[[noreturn]] void notImplemented(const char* name);
 
 // A copy of a C string in a host string (malloc'd, freed with free or
 // ZorUtilStringDealloc); null for null or when memory runs out.

@@ -14,6 +14,7 @@ void resetRecords() {
     detail::resetSwitches();
     detail::resetMessageRecords();
     detail::resetProgressRecords();
+    detail::resetFrame();
 }
 
 void fatal(const std::string& what) {
@@ -23,6 +24,10 @@ void fatal(const std::string& what) {
 }
 
 namespace detail {
+
+void notImplemented(const char* name) {
+    fatal(std::string(name) + " is not implemented yet");
+}
 
 char* hostStringCopy(const char* text) {
     if (text == nullptr)

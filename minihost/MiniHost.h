@@ -119,6 +119,9 @@ void setBatchMode(bool on);            // ZorUtilMacroIsBatchModeActive; off at 
 void setProcessingLayout(bool on);     // ZorUtilStateIsProcessingLayout; off at start
 void setLoadOnDemandAllowed(bool on);  // ZorUtilDataSetIsLODAllowed; on at start
 
+// How many ZorUtilDataLoadBegin brackets are open.
+int dataLoadDepth();
+
 // ---- Messages ---------------------------------------------------------------------
 
 // One message shown through ZorUtilDialogErrMsg or ZorUtilDialogMessageBox.
@@ -228,8 +231,8 @@ std::vector<ZorIndex> setMembers(ZorSet set);
 
 // Forgets everything recorded (messages, calls, events, scripted answers and
 // choices, state changes reported) and sets the switches back to their start
-// values. Registered add-ons, loaders, state-change callbacks and the idle
-// queue stay.
+// values; the frame's plot type goes back to sketch. Registered add-ons,
+// loaders, state-change callbacks, the message sink and the idle queue stay.
 void resetRecords();
 
 // Prints "minihost: <what>" on stderr and aborts: the host's answer to a

@@ -208,4 +208,3 @@ TEST(HostAddOnLibraries, ALibraryWithoutTheEntryIsRefused) {
 }
 
 }  // namespace
-
