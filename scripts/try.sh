@@ -4,4 +4,4 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
 bash scripts/build.sh build
-./build/apps/fluentload/fluentload samples/cube_5tets_ascii.cas
+./build/apps/fluentload/fluentload samples/square.cas

@@ -1,0 +1,301 @@
+#include "addon/LoadDriver.h"
+
+#include <cstring>
+#include <string>
+
+#include "addon/FileList.h"
+#include "addon/FluentSolution.h"
+#include "addon/LoadInstructions.h"
+#include "casefile/CaseFile.h"
+#include "datafile/DataFile.h"
+#include "datafile/Residuals.h"
+#include "host/TaskProgress.h"
+#include "host/ZorData.h"
+#include "host/ZorUtil.h"
+#include "support/AsciiCase.h"
+
+using zorvane::zorutilutil::TaskProgress;
+
+namespace {
+
+const char* const kLoaderName = "Fluent Data Loader";
+
+// Longest XML particle file name that a load accepts, with its NUL.
+constexpr size_t kMaxParticleFileName = 262;
+
+// Everything one load holds between its steps.
+struct LoadState {
+    LoadInstructions li;                     // the parsed instructions; freed at the end
+    std::unique_ptr<TaskProgress> progress;  // the load's progress bar
+    std::unique_ptr<TaskProgress> fileTask;  // one step per file
+    FluentSolution* solution = nullptr;      // the record the load fills
+    CaseFile* caseFile = nullptr;            // the case file scanned, retained while the load runs
+    ZorSet zonesAdded = nullptr;             // host zones the load made (with the old count when appending)
+    ZorIndex oldNumZones = 0;                // zones of the data set before an appending load
+    ZorIndex oldNumVars = 0;                 // variables of the data set before an appending load
+    std::string errorText;                   // shown last, unless the user interrupted
+};
+
+// Steps 2 to 14 of the road: the checks, the parse, the scans. False when
+// the load failed; messages of the parts are shown already, state.errorText
+// holds the driver's own.
+bool runLoad(ZorStringList instructions, LoadState& s) {
+    LoadInstructions& li = s.li;
+    if (!ZorUtilDataSetIsLODAllowed()) {
+        ZorUtilDialogErrMsg(
+            "The Fluent loader requires that load-on-demand must be turned on.  Please allow load-on-demand "
+            "in "
+            "your configuration file by removing the command '$!FileConfig LoadOnDemand {Allow = FALSE}' or "
+            "by "
+            "setting 'Allow = TRUE'.");
+        return false;
+    }
+    if (!s.progress->begin("Loading Fluent data..."))
+        return false;
+
+    bool parsed;
+    const char* first = ZorUtilStringListGetCount(instructions) >= 1
+                            ? ZorUtilStringListGetRawStringPtr(instructions, 1)
+                            : nullptr;
+    if (first != nullptr && asciiEqualsIgnoringCase(first, "STANDARDSYNTAX")) {
+        TaskProgress* bar = s.progress.get();
+        parsed = LoadInstructionsParseStandard(instructions, &li,
+                                               [bar](const std::string& text) { return bar->setText(text); });
+        // Appending to nothing is a plain load.
+        if (!ZorUtilDataSetIsAvailable())
+            li.append = false;
+    } else {
+        parsed = LoadInstructionsParseOld(instructions, &li);
+    }
+    const bool ended = s.progress->end();
+    if (!(ended && parsed))
+        return false;
+
+    // The solution: a load that replaces the data set throws any pre-scan away.
+    if (SolutionTableCount > 0 && !li.append) {
+        PurgeUnusedSolutions();
+        FilesArePreScanned = false;
+        s.solution = NewFluentSolution();
+    } else if (FilesArePreScanned) {
+        s.solution = &SolutionTable[SolutionTableCount - 1];
+    } else {
+        s.solution = NewFluentSolution();
+    }
+    if (s.solution == nullptr)
+        return false;
+    const uint32_t solutionId = s.solution->solutionId;
+
+    s.zonesAdded = ZorUtilSetAlloc(true);
+    if (li.append) {
+        char* title = nullptr;
+        if (ZorUtilDataSetGetInfo(&title, &s.oldNumZones, &s.oldNumVars) && s.oldNumZones > 0) {
+            ZorUtilSetAddMember(s.zonesAdded, s.oldNumZones, true);
+        }
+        ZorUtilStringDealloc(&title);
+    }
+
+    const ZorIndex listCount = li.fileList != nullptr ? ZorUtilStringListGetCount(li.fileList) : 0;
+    const int numFileSteps = static_cast<int>(listCount) + (li.caseFileName != nullptr ? 1 : 0) +
+                             (li.dataFileName != nullptr ? 1 : 0);
+    s.fileTask = s.progress->createChildTask(
+        numFileSteps + (li.append && li.loadOption == LoadOption_MultipleCaseAndData ? 1 : 0));
+
+    bool ok = true;
+    if (li.loadOption == LoadOption_CaseAndData || li.loadOption == LoadOption_CaseOnly) {
+        s.caseFile = FilesArePreScanned && s.solution->numCaseFiles > 0 ? &s.solution->caseFiles[0] : nullptr;
+        ok = ScanCaseFile(&s.caseFile, s.solution, li.caseFileName, li.gridZones, li.zoneList, s.zonesAdded,
+                          1, li.append, li.allZonesAsPolyhedral, li.averageToNodes, li.averagingMethod,
+                          li.assignStrandIDs, li.addZonesToExistingStrands, 0, nullptr, li.unsteadyOption,
+                          0.0, li.useMetadata, s.fileTask->createChildTask(1));
+        s.solution = findSolution(solutionId);
+        if (!ok)
+            s.errorText = std::string("Error loading file ") + li.caseFileName;
+        if (s.caseFile != nullptr)
+            CaseFileRetain(s.caseFile);
+    }
+
+    std::string particleFileName;
+    if (li.fileList != nullptr && ok) {
+        for (ZorIndex i = 1; i <= listCount; ++i) {
+            char* name = ZorUtilStringListGetString(li.fileList, i);
+            if (name == nullptr) {
+                ZorUtilDialogErrMsg("Out of memory while reading file list.");
+                ok = false;
+                break;
+            }
+            const bool isXml = hasSuffixInTable(name, ParticleSuffixes);
+            if (isXml) {
+                if (std::strlen(name) >= kMaxParticleFileName) {
+                    ok = false;
+                } else {
+                    particleFileName = name;
+                    std::strcpy(s.solution->particleFileName, name);
+                }
+            }
+            ZorUtilStringDealloc(&name);
+            if (isXml)
+                break;
+        }
+    }
+
+    if (ok && (li.loadOption == LoadOption_CaseAndData || li.loadOption == LoadOption_ResidualsOnly)) {
+        DataFile* dataFile =
+            FilesArePreScanned && s.solution->numDataFiles > 0 ? &s.solution->dataFiles[0] : nullptr;
+        ok = ScanDataFile(&dataFile, s.solution, li.dataFileName, s.caseFile, li.gridZones, li.loadOption,
+                          li.zoneList, s.zonesAdded, li.varNameList, false, li.allZonesAsPolyhedral,
+                          li.includeParticleData, li.assignStrandIDs, nullptr, 0, li.averageToNodes,
+                          li.averagingMethod, li.unsteadyOption, 0.0, li.useMetadata, nullptr,
+                          particleFileName.c_str(), numFileSteps, li.loadAdditionalQuantities,
+                          s.fileTask->createChildTask(1));
+        s.solution = findSolution(solutionId);
+        if (!ok)
+            s.errorText = std::string("Error loading file ") + li.dataFileName;
+    }
+
+    if (s.caseFile != nullptr) {
+        CaseFileRelease(s.caseFile);
+        s.caseFile = nullptr;
+    }
+    if (!ok)
+        return false;
+
+    if (li.loadOption == LoadOption_MultipleCaseAndData) {
+        ZorUtilDialogErrMsg(
+            "Loading a list of files as a series is not available in this version of the "
+            "Fluent loader.");
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void SplitPathAndName(const char* fileName, std::string* basePath, std::string* bareName) {
+    char* base = ZorUtilGetBasePath(fileName);
+    *basePath = base != nullptr ? base : "";
+    ZorUtilStringDealloc(&base);
+    const char* bare = fileName;
+    if (const char* slash = std::strrchr(bare, '\\'))
+        bare = slash + 1;
+    if (const char* slash = std::strrchr(bare, '/'))
+        bare = slash + 1;
+    *bareName = bare;
+}
+
+bool ScanCaseFile(CaseFile** caseFile, FluentSolution* solution, const char* fileName, int32_t gridZones,
+                  ZorSet zoneList, ZorSet /*zonesAdded*/, int32_t /*fileIndex*/, bool /*append*/,
+                  bool allPolyZones, bool /*averageToNodes*/, int32_t /*averagingMethod*/,
+                  bool /*assignStrandIDs*/, bool /*addZonesToExistingStrands*/, int32_t /*strandBase*/,
+                  int32_t* /*zoneOffset*/, int32_t /*unsteadyOption*/, double /*solutionTime*/,
+                  bool /*useMetadata*/, std::unique_ptr<TaskProgress> task) {
+    std::string basePath, bareName;
+    SplitPathAndName(fileName, &basePath, &bareName);
+    // A metadata file describes the whole file, so a load restricted to some
+    // zones neither reads nor writes one.
+    const bool restrictedLoad =
+        zoneList != nullptr || gridZones != GridZones_CellsAndBoundaries || allPolyZones;
+    (void)restrictedLoad;
+
+    ZorUtilDataLoadBegin();
+    task->setNumSteps(3);
+    const bool began = task->begin("Scanning Fluent case file...");
+    bool ok = false;
+    if (!FilesArePreScanned) {
+        if (began) {
+            *caseFile = FluentSolutionNewCaseFile(solution, fileName);
+            if (*caseFile != nullptr)
+                ok = CaseFileScan(*caseFile, allPolyZones, task->createChildTask(1), nullptr);
+        }
+    } else {
+        ok = began && !task->isInterrupted();
+    }
+    ok = task->end() && ok;
+    ZorUtilDataLoadEnd();
+    return ok;
+}
+
+bool ScanDataFile(DataFile** dataFile, FluentSolution* solution, const char* fileName, CaseFile* caseFile,
+                  int32_t /*gridZones*/, int32_t loadOption, ZorSet /*zoneList*/, ZorSet /*zonesAdded*/,
+                  ZorStringList /*varNameList*/, bool /*isRepeatDataFile*/, bool /*allPolyZones*/,
+                  bool /*includeParticleData*/, bool /*assignStrandIDs*/, int32_t* /*zoneOffset*/,
+                  int32_t /*ordinal*/, bool /*averageToNodes*/, int32_t /*averagingMethod*/,
+                  int32_t /*unsteadyOption*/, double /*solutionTime*/, bool /*useMetadata*/,
+                  int32_t* /*particleStrand*/, const char* /*particleFileName*/, int32_t /*numFileSteps*/,
+                  bool loadAdditionalQuantities, std::unique_ptr<TaskProgress> task) {
+    std::string basePath, bareName;
+    SplitPathAndName(fileName, &basePath, &bareName);
+    task->setNumSteps(5);
+    const bool began = task->begin("Scanning Fluent data file...");
+    bool ok = false;
+    if (!FilesArePreScanned) {
+        if (began) {
+            *dataFile = FluentSolutionNewDataFile(solution, fileName, loadAdditionalQuantities);
+            if (*dataFile != nullptr) {
+                ok = DataFileScan(solution, *dataFile, caseFile, static_cast<LoadOption>(loadOption),
+                                  task->createChildTask(1), nullptr);
+            }
+        }
+    } else {
+        ok = began && !task->isInterrupted();
+    }
+    if (loadOption == LoadOption_ResidualsOnly)
+        FluentResidualsClear();
+    ok = task->end() && ok;
+    return ok;
+}
+
+bool LoaderCallback(ZorStringList instructions) {
+    ZorUtilLockStart(AddOnID);
+    LoadState s;
+    LoadInstructionsSetDefaults(&s.li);
+    s.progress = zorvane::zorutilutil::createTaskProgressBar(2);
+
+    bool ok = runLoad(instructions, s);
+
+    s.fileTask.reset();
+    s.progress.reset();
+    if (ok) {
+        ZorUtilPleaseWait("Loading Fluent data...", true);
+        if (s.li.loadOption != LoadOption_ResidualsOnly && !s.li.append) {
+            const FluentSolution* solution = s.solution;
+            const bool twoD = solution != nullptr && solution->numCaseFiles > 0 &&
+                              solution->caseFiles[solution->numCaseFiles - 1].numDimensions == 2;
+            ZorUtilFrameSetPlotType(twoD ? ZorPlotType_Cartesian2D : ZorPlotType_Cartesian3D);
+        }
+        ZorUtilPleaseWait(nullptr, false);
+        ZorUtilImportSetLoaderInstr(kLoaderName, instructions);
+    } else {
+        if (!s.li.append)
+            ZorUtilFrameReset(ZorUtilFrameGetUniqueID());
+        if (!ZorUtilInterruptCheck() && !s.errorText.empty())
+            ZorUtilDialogErrMsg(s.errorText.c_str());
+    }
+    LoadInstructionsFree(&s.li);
+
+    if (s.zonesAdded != nullptr) {
+        if (s.li.append)
+            ZorUtilSetRemoveMember(s.zonesAdded, s.oldNumZones);
+        char* title = nullptr;
+        ZorIndex numZones = 0, numVars = 0;
+        if (ZorUtilDataSetIsAvailable() && ZorUtilDataSetGetInfo(&title, &numZones, &numVars)) {
+            ZorSet varsAdded = ZorUtilSetAlloc(true);
+            for (ZorIndex v = s.oldNumVars + 1; v <= numVars; ++v)
+                ZorUtilSetAddMember(varsAdded, v, true);
+            if (!ZorUtilSetIsEmpty(varsAdded)) {
+                ZorUtilStateChanged(ZorStateChange_VarsAdded, reinterpret_cast<ZorArbParam>(varsAdded));
+            }
+            ZorUtilSetDealloc(&varsAdded);
+        }
+        ZorUtilStringDealloc(&title);
+        if (ok) {
+            ZorUtilStateChanged(ZorStateChange_ZonesAdded, reinterpret_cast<ZorArbParam>(s.zonesAdded));
+            const int32_t plotType = ZorUtilFrameGetPlotType();
+            if (plotType == ZorPlotType_Cartesian3D || plotType == ZorPlotType_Cartesian2D) {
+                ZorUtilZoneStyleApplyAuto(s.zonesAdded);
+            }
+        }
+        ZorUtilSetDealloc(&s.zonesAdded);
+    }
+    ZorUtilLockFinish(AddOnID);
+    return ok;
+}
