@@ -231,19 +231,8 @@ bool assembleFaceZone(CaseFile* caseFile, int32_t index, AssembledZone* out) {
     int32_t corners = nodesPerCellOfHostZoneType(hostType);
     int32_t numFaces = zone->lastIndex - zone->firstIndex + 1;
     std::vector<int32_t> map(static_cast<size_t>(numFaces) * corners, UNSET_NODE - 1);
-    // Each face's nodes through the zone's node number map; places behind the
-    // face's node count repeat its last node.
-    int32_t stride = zone->faceType == 0 ? 4 : zone->faceType;
-    for (int32_t i = 0; i < numFaces; ++i) {
-        int32_t n = zone->faceType == 0 ? zone->faceNodeCounts[i] : zone->faceType;
-        n = std::min(n, corners);
-        for (int32_t k = 0; k < corners && n > 0; ++k) {
-            int32_t node = zone->faceNodes[static_cast<size_t>(i) * stride + std::min(k, n - 1)];
-            auto found = zone->nodeNumberMap->find(node);
-            map[static_cast<size_t>(i) * corners + k] =
-                found == zone->nodeNumberMap->end() ? -1 : found->second;
-        }
-    }
+    FaceZoneConnectivityTarget target = {nullptr, map.data(), false, corners};
+    FaceZoneWriteConnectivity(zone, hostType, &target);
     long unset = 0;
     out->label = std::string("face zone ") + std::to_string(zone->zoneId) + " " + zone->name;
     out->hostZoneType = hostType;
