@@ -166,6 +166,23 @@ TEST_F(Particles, BinarySectionsOfBothPrecisionsWithIntegerIds) {
     }
 }
 
+TEST_F(Particles, IntegerFieldsOfEightByteIntegersCannotBeRead) {
+    // Integers wider than four bytes go through the bulk integer reader, which
+    // reads them only at four bytes: such a field ends in a read error.
+    std::vector<int64_t> wide = {7, -8};
+    const std::string bytes = machineConfig(false, 8) + particleHeader(3303, "inj", 2, 0, 3) + "(1 (" +
+                              rawBytes(wide) + "\n" + endMarker(1) + ")\n" +
+                              particleSubsection(3303, 16, {300.5, 301.25}) + ")\n";
+    ASSERT_TRUE(scan(bytes));
+    FluentParticle& p = dataFile_->particles[0];
+    ASSERT_EQ(p.numFields, 2);
+    FluentSolution solution = emptySolution();
+    EXPECT_FALSE(DataFileLoadParticleDataField(&solution, dataFile_.get(), &p.fields[0]));
+    EXPECT_EQ(messageTexts(),
+              std::vector<std::string>{"Read error while reading Particle Data section (section 3303)."});
+    EXPECT_EQ(load(&p.fields[1]), (std::vector<double>{300.5, 301.25}));
+}
+
 TEST_F(Particles, SectionWithoutSubsections) {
     ASSERT_TRUE(scan(machineConfig() + particleHeader(303, "empty", 5, 0, 3) + ")\n"));
     ASSERT_EQ(dataFile_->numParticles, 1);
