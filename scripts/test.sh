@@ -2,7 +2,8 @@
 # Installs what is needed, builds, and runs every test of the default suite.
 #   scripts/test.sh                 the normal build in build/
 #   scripts/test.sh --sanitize      AddressSanitizer + UndefinedBehaviorSanitizer, in build-asan/
-#   scripts/test.sh --tsan          ThreadSanitizer, in build-tsan/ (the thread tests only)
+#   scripts/test.sh --tsan          ThreadSanitizer, in build-tsan/ (the tests of threads only:
+#                                   those whose names say Thread or Concurrent)
 # Slow checks (large files, fuzzing) carry the ctest label "slow" and run only with FL_SLOW=1.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -27,7 +28,7 @@ case "$mode" in
         ;;
     --tsan)
         bash scripts/build.sh build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DFL_SANITIZE=thread -DFL_BUILD_BENCH=OFF
-        ctest --test-dir build-tsan --output-on-failure -j "$jobs" -L threads "${exclude[@]}"
+        ctest --test-dir build-tsan --output-on-failure -j "$jobs" -R "Thread|Concurrent" "${exclude[@]}"
         ;;
     *)
         echo "usage: scripts/test.sh [--sanitize|--tsan]" >&2
