@@ -1,0 +1,227 @@
+#include "tools/fluentgen/Mesh.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace fluentgen {
+namespace detail {
+
+void Mesh::nodes(int64_t first, int64_t last, NodeVisitor& v) const {
+    for (int64_t id = first; id <= last; ++id) {
+        v.node(node(id));
+    }
+}
+
+void Mesh::cells(size_t cellZone, CellVisitor& v) const {
+    const CellZoneInfo& z = cellZones[cellZone];
+    for (int64_t c = z.first; c <= z.last; ++c) {
+        v.cell(cellType(c), cellCentre(c));
+    }
+}
+
+namespace {
+
+// Passes faces on with the second cell dropped: a duplicate zone is one-sided.
+class OneSided : public FaceVisitor {
+  public:
+    explicit OneSided(FaceVisitor& inner) : inner_(inner) {}
+    void face(const int64_t* nodes, int n, int64_t c0, int64_t) override { inner_.face(nodes, n, c0, 0); }
+
+  private:
+    FaceVisitor& inner_;
+};
+
+}  // namespace
+
+void Mesh::faces(size_t faceZone, FaceVisitor& v) const {
+    if (faceZone < dupOf_.size() && dupOf_[faceZone] >= 0) {
+        OneSided one(v);
+        ownFaces(static_cast<size_t>(dupOf_[faceZone]), one);
+        return;
+    }
+    ownFaces(faceZone, v);
+}
+
+void Mesh::treeChildren(size_t, int64_t, std::vector<int64_t>& out) const {
+    out.clear();
+}
+
+std::pair<int64_t, int64_t> Mesh::pair(size_t pairsIndex, int64_t k) const {
+    const FacePairsInfo& p = pairs[pairsIndex];
+    // Pairs of a duplicate zone with its original: zoneA is the copy, zoneB the original.
+    const FaceZoneInfo* copy = nullptr;
+    const FaceZoneInfo* original = nullptr;
+    for (const FaceZoneInfo& z : faceZones) {
+        if (z.id == p.zoneA) {
+            copy = &z;
+        }
+        if (z.id == p.zoneB) {
+            original = &z;
+        }
+    }
+    if (copy == nullptr || original == nullptr || k < 0 || k >= p.count) {
+        throw std::out_of_range("fluentgen: no such face pair");
+    }
+    if (p.sectionBase == 61) {
+        // Interface face parents: both parents are the original face.
+        return {original->first + k, original->first + k};
+    }
+    return {copy->first + k, original->first + k};
+}
+
+void Mesh::addDuplicateZone(size_t original, int bcType, const std::string& name, bool childFaces) {
+    dupOf_.resize(faceZones.size(), -1);
+    const FaceZoneInfo& o = faceZones[original];
+    FaceZoneInfo z = o;
+    int maxId = 0;
+    for (const CellZoneInfo& c : cellZones) {
+        maxId = std::max(maxId, c.id);
+    }
+    for (const FaceZoneInfo& f : faceZones) {
+        maxId = std::max(maxId, f.id);
+    }
+    z.id = maxId + 1;
+    z.bcType = bcType;
+    z.name = name;
+    z.boundary = false;
+    int64_t n = o.last - o.first + 1;
+    z.first = faceCount + 1;
+    z.last = faceCount + n;
+    faceCount += n;
+    faceZones.push_back(z);
+    dupOf_.push_back(static_cast<int>(original));
+
+    FacePairsInfo parents;
+    parents.sectionBase = 61;
+    parents.first = z.first;
+    parents.last = z.last;
+    parents.zoneA = z.id;
+    parents.zoneB = o.id;
+    parents.count = n;
+    pairs.push_back(parents);
+    if (childFaces) {
+        FacePairsInfo kids;
+        kids.sectionBase = 62;
+        kids.first = 1;
+        kids.last = n;
+        kids.zoneA = z.id;
+        kids.zoneB = o.id;
+        kids.count = n;
+        pairs.push_back(kids);
+    }
+}
+
+void Mesh::nameZones(ZoneNames naming) {
+    int k = 0;
+    auto pick = [&]() {
+        int s = 0;
+        switch (naming) {
+            case ZoneNames::Section39:
+                s = 39;
+                break;
+            case ZoneNames::Section45:
+                s = 45;
+                break;
+            case ZoneNames::None:
+                s = 0;
+                break;
+            case ZoneNames::Varied:
+                s = (k % 3 == 0) ? 39 : (k % 3 == 1) ? 45 : 0;
+                break;
+        }
+        ++k;
+        return s;
+    };
+    for (CellZoneInfo& z : cellZones) {
+        z.nameSection = pick();
+    }
+    for (FaceZoneInfo& z : faceZones) {
+        z.nameSection = pick();
+    }
+}
+
+int defaultBoundaryType(int side, int dims, bool axisymmetric) {
+    // x-: velocity inlet, x+: pressure outlet, y-: wall (axis when axisymmetric),
+    // y+: pressure far field (wall in 2D), z-: symmetry, z+: pressure inlet.
+    static const int types3[6] = {10, 5, 3, 9, 7, 4};
+    static const int types2[4] = {10, 5, 3, 3};
+    if (dims == 2) {
+        if (side == 2 && axisymmetric) {
+            return 37;
+        }
+        return types2[side];
+    }
+    return types3[side];
+}
+
+const char* boundaryTypeWord(int bcType) {
+    switch (bcType) {
+        case 2:
+            return "interior";
+        case 3:
+            return "wall";
+        case 4:
+            return "pressure-inlet";
+        case 5:
+            return "pressure-outlet";
+        case 7:
+            return "symmetry";
+        case 8:
+            return "periodic-shadow";
+        case 9:
+            return "pressure-far-field";
+        case 10:
+            return "velocity-inlet";
+        case 12:
+            return "periodic";
+        case 14:
+            return "fan";
+        case 20:
+            return "mass-flow-inlet";
+        case 24:
+            return "interface";
+        case 31:
+            return "parent";
+        case 36:
+            return "outflow";
+        case 37:
+            return "axis";
+        default:
+            return "overlap";
+    }
+}
+
+const char* cellZoneTypeWord(int type) {
+    switch (type) {
+        case 1:
+            return "fluid";
+        case 17:
+            return "solid";
+        case 32:
+            return "parent";
+        default:
+            return "fluid";
+    }
+}
+
+bool is3D(MeshKind kind) {
+    switch (kind) {
+        case MeshKind::Quad:
+        case MeshKind::Tri:
+        case MeshKind::Mixed2D:
+        case MeshKind::Polygonal:
+            return false;
+        default:
+            return true;
+    }
+}
+
+std::unique_ptr<Mesh> buildMesh(const Spec& spec) {
+    if (spec.hanging) {
+        return buildHangingMesh(spec);
+    }
+    return buildBoxMesh(spec);
+}
+
+}  // namespace detail
+}  // namespace fluentgen
