@@ -355,7 +355,7 @@ ZOR_HOST_API bool ZorUtilXYMapSetActive(ZorSet maps, int32_t assignOp);
 ZOR_HOST_API bool ZorUtilXYMapIsActive(ZorIndex map);
 // Sets a style value named by up to three words (null for fewer), with two
 // offsets (0 where the path takes none). An integer style takes intValue, a
-// number doubleValue. notify tells listeners (state change 7). False for an unknown path.
+// number doubleValue. notify tells listeners (state change 7). False without a first word.
 ZOR_HOST_API bool ZorUtilStyleSetLowLevel(const char* word1, const char* word2, const char* word3,
                                           ZorIndex offset1, ZorIndex offset2, ZorArbParam intValue,
                                           double doubleValue, bool notify);

@@ -12,6 +12,7 @@ void resetSwitches();
 void resetMessageRecords();
 void resetProgressRecords();
 void resetFrame();
+void resetPlot();
 
 // The switch behind ZorUtilDataSetIsLODAllowed.
 bool loadOnDemandAllowed();

@@ -15,6 +15,7 @@ void resetRecords() {
     detail::resetMessageRecords();
     detail::resetProgressRecords();
     detail::resetFrame();
+    detail::resetPlot();
 }
 
 void fatal(const std::string& what) {

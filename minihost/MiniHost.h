@@ -201,6 +201,58 @@ std::vector<ProgressEvent> progressEvents();
 // The fraction done of the most recent bar made by createTaskProgressBar.
 double progressFraction();
 
+// ---- The data set and load-on-demand --------------------------------------------------
+
+// Takes the frame's data set away: every registered item's cleanup runs once
+// (with the add-on lock held), then listeners hear state change 8.
+void deleteDataSet();
+// What the host does when it quits: the data set goes (cleanups), then
+// listeners hear state change 15.
+void shutdown();
+// State changes the host itself sent (8 for a data set gone, 19 for solution
+// times), in order; resetRecords forgets them.
+std::vector<int32_t> hostStateChanges();
+// Cleanup callbacks run so far, over all data sets.
+int cleanupCount();
+
+// A memory budget for loaded items, in bytes (0, the start value: none). At
+// the start of each request made outside a load callback, the oldest loaded
+// items are unloaded until the rest fits.
+void setMemoryBudget(size_t bytes);
+// Whether raw pointers of values and node maps are offered (on at start);
+// off, callers must use the getters and setters.
+void setRawPointersOffered(bool on);
+// Whether node maps of zones made from now on use 64-bit items (off at
+// start; zones of more than 2^31 - 1 points always do).
+void setWideNodeMaps(bool on);
+
+// Asks a loaded item to unload (its unload callback runs; no host lock held).
+// False when it was not loaded, has no loader, or the loader refused.
+bool unloadValues(ZorIndex zone, ZorIndex var);
+bool unloadNodeMap(ZorIndex zone);
+bool unloadFaceMap(ZorIndex zone);
+bool unloadFaceNeighbors(ZorIndex zone);
+// Unloads every loaded item that can be; returns how many did.
+size_t unloadAll();
+
+// What happened to one item.
+struct ItemStats {
+    bool exists = false;     // the zone (and variable) has such an item
+    bool hasLoader = false;  // load-on-demand callbacks are registered
+    bool loaded = false;     // its storage is there now
+    int loads = 0;           // successful load callbacks
+    int failedLoads = 0;     // load callbacks that said false
+    int unloads = 0;         // unload callbacks that agreed
+    int cleanups = 0;        // cleanup callbacks (at most 1)
+    size_t bytes = 0;        // storage held now
+};
+ItemStats valueStats(ZorIndex zone, ZorIndex var);
+ItemStats nodeMapStats(ZorIndex zone);
+ItemStats faceMapStats(ZorIndex zone);
+ItemStats faceNeighborStats(ZorIndex zone);
+// Bytes of storage of all loaded items of the data set.
+size_t loadedBytes();
+
 // ---- Argument lists, for the host's own reading -------------------------------------
 
 enum class ArgType { None, Int, Double, String, StringList, Set, Array, Function, ArbParam };
