@@ -278,6 +278,8 @@ class ZOR_HOST_API MetadataDataset {
     explicit MetadataDataset(int32_t clientDataVersion);
     ~MetadataDataset();
     int32_t clientDataVersion() const;
+    // Set by a read: the version of the client data stored in the file.
+    void setClientDataVersion(int32_t clientDataVersion);
     void setName(const std::string& name);
     const std::string& name() const;
     void setLoaderName(const std::string& loaderName);

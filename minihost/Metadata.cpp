@@ -369,6 +369,10 @@ MetadataDataset::~MetadataDataset() = default;
 int32_t MetadataDataset::clientDataVersion() const {
     return clientDataVersion_;
 }
+
+void MetadataDataset::setClientDataVersion(int32_t clientDataVersion) {
+    clientDataVersion_ = clientDataVersion;
+}
 void MetadataDataset::setName(const std::string& name) {
     name_ = name;
 }

@@ -3,7 +3,6 @@
 // Each is defined, so that an add-on linked against the host resolves all its
 // symbols, but stops the program with a clear message when called: nothing
 // here pretends to work. An operation leaves this file when it is built.
-#include "host/Metadata.h"
 #include "host/ZorGUI.h"
 #include "minihost/Internal.h"
 
@@ -147,40 +146,3 @@ char* ZorGUITextFieldGetString(ZorGUIID) {
 }
 
 }  // extern "C"
-
-namespace zorvane {
-namespace dataio {
-
-struct MetadataDirector::Impl {};
-
-MetadataDirector::MetadataDirector() {
-    minihost::detail::notImplemented("zorvane::dataio::MetadataDirector");
-}
-MetadataDirector::~MetadataDirector() = default;
-
-bool MetadataDirector::metadataFileAvailable(const std::string&, const std::string&) const {
-    minihost::detail::notImplemented("MetadataDirector::metadataFileAvailable");
-}
-
-std::string MetadataDirector::metadataFilename(const std::string&, const std::string&) const {
-    minihost::detail::notImplemented("MetadataDirector::metadataFilename");
-}
-
-std::string MetadataDirector::initializeMetadataFilename(const std::string&, const std::string&) {
-    minihost::detail::notImplemented("MetadataDirector::initializeMetadataFilename");
-}
-
-void MetadataDirector::read(std::shared_ptr<InputStream>, MetadataDataset&) {
-    minihost::detail::notImplemented("MetadataDirector::read");
-}
-
-void MetadataDirector::write(std::shared_ptr<OutputStream>, const MetadataDataset&) {
-    minihost::detail::notImplemented("MetadataDirector::write");
-}
-
-DeferredMinMaxWriterFactory* MetadataDirector::variableMinMaxDeferredWriterFactory() {
-    minihost::detail::notImplemented("MetadataDirector::variableMinMaxDeferredWriterFactory");
-}
-
-}  // namespace dataio
-}  // namespace zorvane
