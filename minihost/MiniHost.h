@@ -253,6 +253,58 @@ ItemStats faceNeighborStats(ZorIndex zone);
 // Bytes of storage of all loaded items of the data set.
 size_t loadedBytes();
 
+// ---- The dialog toolkit, from the user's side ---------------------------------------------
+//
+// Launching a modal dialog runs its init callback and then the dialog driver,
+// which acts as the user with the calls below. A dialog the driver leaves up
+// is closed as by its window's close box (cancel callback). Actions on a
+// control the user cannot reach (insensitive, hidden, or its dialog down)
+// stop the program, as they point at a wrong script.
+
+// The driver, called with each modal dialog as it is launched (null: the user
+// closes every dialog at once).
+void setDialogDriver(std::function<void(ZorGUIID dialog, const std::string& title)> driver);
+// The dialogs shown now.
+std::vector<ZorGUIID> dialogsUp();
+// The first dialog of that title; ZorGUIBadID when none.
+ZorGUIID findDialog(const std::string& title);
+// The `which`-th control (from 1, in order of making) of a dialog whose label
+// (title, text, toggle or option) is `label`; lists are found by "list" and
+// text fields by "textfield". ZorGUIBadID when none.
+ZorGUIID findControl(ZorGUIID dialog, const std::string& label, int which = 1);
+
+// What a control shows.
+struct ControlInfo {
+    std::string kind;   // "dialog", "frame", "form", "page", "tab", "tabpage", "label", "button",
+                        // "radiobox", "toggle", "optionmenu", "list" or "textfield"
+    std::string label;  // title, label or text
+    ZorGUIID parent = ZorGUIBadID;
+    std::vector<std::string> choices;  // toggles, options or list items
+    int32_t value = 0;                 // toggle or option from 1; toggle 0/1; shown page
+    std::vector<int32_t> selected;     // list positions, rising
+    std::string text;                  // text field
+    bool sensitive = true;
+    bool visible = true;
+    bool usable = false;  // the user can reach it now
+};
+ControlInfo controlInfo(ZorGUIID control);
+
+// The user's actions; each calls the control's callback.
+void pressButton(ZorGUIID button);
+void chooseRadio(ZorGUIID radioBox, int32_t toggle);
+void setToggleByUser(ZorGUIID toggle, bool on);
+void chooseOption(ZorGUIID optionMenu, int32_t option);
+// Selects exactly these positions; the callback gets the last one.
+void selectListItems(ZorGUIID list, const std::vector<int32_t>& positions);
+// Types a text and leaves the field; false (old text back) when the callback refused it.
+bool enterText(ZorGUIID textField, const std::string& text);
+// Brings a tab page forward.
+void activateTabPage(ZorGUIID page);
+// A dialog's OK, Cancel and Help buttons.
+void pressOK(ZorGUIID dialog);
+void pressCancel(ZorGUIID dialog);
+void pressHelp(ZorGUIID dialog);
+
 // ---- Argument lists, for the host's own reading -------------------------------------
 
 enum class ArgType { None, Int, Double, String, StringList, Set, Array, Function, ArbParam };
