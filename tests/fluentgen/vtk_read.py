@@ -3,7 +3,9 @@ what it found, in a line format the fluentgen tests parse:
 
     FILE <path>
     BLOCK <index> <cells> <points>
-    CELL <vtk type> <n> <point id> ...          (point id = Fluent node number - 1)
+    CELL <vtk type> <measure> <n> <point id> ... (point id = Fluent node number - 1; measure:
+                                                 signed area or volume by VTK's own faces, nan
+                                                 for polygons and polyhedra)
     POINT <id> <x> <y> <z>                      (only points that cells use)
     ARRAY <name> <components> <tuples>
     <value> ...                                  (one tuple a line)
@@ -19,6 +21,26 @@ except ImportError:
     sys.exit(3)
 
 vtk.vtkObject.GlobalWarningDisplayOff()
+
+
+def measure(cell):
+    """Signed area (triangle, quad) or volume (by the divergence over VTK's faces)."""
+    t = cell.GetCellType()
+    if t in (5, 9):
+        pts = [cell.GetPoints().GetPoint(k) for k in range(cell.GetNumberOfPoints())]
+        n = len(pts)
+        return sum(pts[k][0] * pts[(k + 1) % n][1] - pts[(k + 1) % n][0] * pts[k][1] for k in range(n)) / 2.0
+    if t in (10, 12, 13, 14):
+        v = 0.0
+        for f in range(cell.GetNumberOfFaces()):
+            face = cell.GetFace(f)
+            p = [face.GetPoints().GetPoint(k) for k in range(face.GetNumberOfPoints())]
+            for k in range(1, len(p) - 1):
+                a, b, c = p[0], p[k], p[k + 1]
+                v += (a[0] * (b[1] * c[2] - b[2] * c[1]) - a[1] * (b[0] * c[2] - b[2] * c[0])
+                      + a[2] * (b[0] * c[1] - b[1] * c[0])) / 6.0
+        return v
+    return float("nan")
 
 
 def dump(path, out):
@@ -41,7 +63,8 @@ def dump(path, out):
             grid.GetCellPoints(c, ids)
             pts = [ids.GetId(k) for k in range(ids.GetNumberOfIds())]
             used.update(pts)
-            out.write("CELL %d %d %s\n" % (grid.GetCellType(c), len(pts), " ".join(str(p) for p in pts)))
+            out.write("CELL %d %.17g %d %s\n" % (grid.GetCellType(c), measure(grid.GetCell(c)), len(pts),
+                                                " ".join(str(p) for p in pts)))
         points = grid.GetPoints()
         for p in sorted(used):
             x, y, z = points.GetPoint(p)
