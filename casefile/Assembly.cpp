@@ -56,7 +56,8 @@ static bool assemblyError(int32_t cellNumber) {
     return false;
 }
 
-bool addFaceToTriangle(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+static inline bool addFaceToTriangleInline(int32_t* localFace, int32_t cellNumber, const int32_t* face,
+                                           int32_t* slots) {
     int32_t a = face[0], b = face[1];
     if (a == slots[1] && freeOrEqual(slots[2], b)) {
         slots[2] = b;
@@ -75,7 +76,8 @@ bool addFaceToTriangle(int32_t* localFace, int32_t cellNumber, const int32_t* fa
     return assemblyError(cellNumber);
 }
 
-bool addFaceToQuad(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+static inline bool addFaceToQuadInline(int32_t* localFace, int32_t cellNumber, const int32_t* face,
+                                       int32_t* slots) {
     int32_t a = face[0], b = face[1];
     if (a == slots[1] && freeOrEqual(slots[2], b)) {
         slots[2] = b;
@@ -96,7 +98,8 @@ bool addFaceToQuad(int32_t* localFace, int32_t cellNumber, const int32_t* face, 
     return assemblyError(cellNumber);
 }
 
-bool addFaceToTetra(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+static inline bool addFaceToTetraInline(int32_t* localFace, int32_t cellNumber, const int32_t* face,
+                                        int32_t* slots) {
     static const int32_t kLocalFaceOfEdge[3] = {2, 4, 3};
     for (int k = 0; k < 3; ++k) {
         int32_t p = slots[k];
@@ -162,8 +165,8 @@ static inline bool setFromEdge(int32_t cellNumber, const int32_t* t, int32_t n, 
     return true;
 }
 
-bool addFaceToBrick(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t numFaceNodes,
-                    int32_t* slots) {
+static inline bool addFaceToBrickInline(int32_t* localFace, int32_t cellNumber, const int32_t* face,
+                                        int32_t numFaceNodes, int32_t* slots) {
     const int32_t n = numFaceNodes;
     if (n != 3 && n != 4) {
         return assemblyError(cellNumber);
@@ -195,8 +198,9 @@ bool addFaceToBrick(int32_t* localFace, int32_t cellNumber, const int32_t* face,
     return assemblyError(cellNumber);
 }
 
-bool addFaceToCell(int32_t* localFace, int32_t cellNumber, int32_t facesSoFar, const int32_t* faceNodes,
-                   int32_t numFaceNodes, bool forward, int32_t* cellSlots, int32_t hostZoneType) {
+static inline bool addFaceToCellInline(int32_t* localFace, int32_t cellNumber, int32_t facesSoFar,
+                                       const int32_t* faceNodes, int32_t numFaceNodes, bool forward,
+                                       int32_t* cellSlots, int32_t hostZoneType) {
     if (numFaceNodes < 1) {
         return true;  // an empty face adds nothing
     }
@@ -239,16 +243,39 @@ bool addFaceToCell(int32_t* localFace, int32_t cellNumber, int32_t facesSoFar, c
     }
     switch (hostZoneType) {
         case ZorZoneType_FETriangle:
-            return addFaceToTriangle(localFace, cellNumber, t, cellSlots);
+            return addFaceToTriangleInline(localFace, cellNumber, t, cellSlots);
         case ZorZoneType_FEQuad:
-            return addFaceToQuad(localFace, cellNumber, t, cellSlots);
+            return addFaceToQuadInline(localFace, cellNumber, t, cellSlots);
         case ZorZoneType_FETetra:
-            return addFaceToTetra(localFace, cellNumber, t, cellSlots);
+            return addFaceToTetraInline(localFace, cellNumber, t, cellSlots);
         case ZorZoneType_FEBrick:
-            return addFaceToBrick(localFace, cellNumber, t, n, cellSlots);
+            return addFaceToBrickInline(localFace, cellNumber, t, n, cellSlots);
         default:
             return true;
     }
+}
+
+bool addFaceToTriangle(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+    return addFaceToTriangleInline(localFace, cellNumber, face, slots);
+}
+
+bool addFaceToQuad(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+    return addFaceToQuadInline(localFace, cellNumber, face, slots);
+}
+
+bool addFaceToTetra(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t* slots) {
+    return addFaceToTetraInline(localFace, cellNumber, face, slots);
+}
+
+bool addFaceToBrick(int32_t* localFace, int32_t cellNumber, const int32_t* face, int32_t numFaceNodes,
+                    int32_t* slots) {
+    return addFaceToBrickInline(localFace, cellNumber, face, numFaceNodes, slots);
+}
+
+bool addFaceToCell(int32_t* localFace, int32_t cellNumber, int32_t facesSoFar, const int32_t* faceNodes,
+                   int32_t numFaceNodes, bool forward, int32_t* cellSlots, int32_t hostZoneType) {
+    return addFaceToCellInline(localFace, cellNumber, facesSoFar, faceNodes, numFaceNodes, forward, cellSlots,
+                               hostZoneType);
 }
 
 // ---- Child face replacement ---------------------------------------------------------------
@@ -305,7 +332,7 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
         return true;
     }
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    zone->oldToNewNodes = static_cast<int32_t*>(calloc(places > 0 ? places : 1, sizeof(int32_t)));
+    zone->oldToNewNodes = static_cast<int32_t*>(bulkCalloc(places > 0 ? places : 1, sizeof(int32_t)));
     if (zone->oldToNewNodes == nullptr) {
         return false;
     }
@@ -428,7 +455,7 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
 bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells, int32_t nodesPerCell,
                            int32_t* cellNodes) {
     int32_t* counters =
-        static_cast<int32_t*>(calloc(numCells > 0 ? static_cast<size_t>(numCells) : 1, sizeof(int32_t)));
+        static_cast<int32_t*>(bulkCalloc(numCells > 0 ? static_cast<size_t>(numCells) : 1, sizeof(int32_t)));
     if (counters == nullptr) {
         ZorUtilDialogErrMsg("Out of memory while assembling cells from faces.");
         return false;
@@ -443,6 +470,15 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
         for (int32_t z = 0; ok && z < caseFile->numFaceZones; ++z) {
             FaceZone* faceZone = &caseFile->faceZones[z];
             if (faceZone->boundaryType == 38 || faceZone->boundaryType > 1000) {
+                continue;
+            }
+            // A zone of one face type without replacements has nothing for
+            // the other pass (its faces are read all the same when they are
+            // missing, below).
+            const bool onlyQuadrilaterals = faceZone->faceType == 4 && faceZone->childFaceIndex < 0;
+            const bool noQuadrilaterals =
+                (faceZone->faceType == 2 || faceZone->faceType == 3) && faceZone->childFaceIndex < 0;
+            if (faceZone->faceCells != nullptr && (pass == 0 ? noQuadrilaterals : onlyQuadrilaterals)) {
                 continue;
             }
             const int32_t stride = faceZone->faceType == 0 ? 4 : faceZone->faceType;
@@ -502,12 +538,13 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
                     ++i;
                     continue;
                 }
-                int32_t mapped[4];
-                for (int side = 0; side < 2; ++side) {
-                    int32_t c = cells[side];
-                    if (c < first || c > last) {
-                        continue;
-                    }
+                const int32_t c0 = cells[0], c1 = cells[1];
+                const bool side0 = c0 >= first && c0 <= last;
+                const bool side1 = c1 >= first && c1 <= last;
+                if (side0 || side1) {
+                    // The face's nodes in zone numbers, once for both sides.
+                    int32_t mapped[4];
+                    bool negative = false;
                     for (int32_t k = 0; k < numNodes; ++k) {
                         int32_t node = nodes[k];
                         if (oldToNew == nullptr) {
@@ -517,23 +554,35 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
                         } else {
                             mapped[k] = -1;
                         }
-                        if (side == 0 && mapped[k] < 0) {
+                        negative = negative || mapped[k] < 0;
+                    }
+                    if (side0) {
+                        // Only this side checks the numbers.
+                        if (negative) {
                             ZorUtilDialogErrMsg("Error assembling cells from faces.");
                             ok = false;
                             break;
                         }
+                        const int32_t cellIndex = c0 - first;
+                        ok = addFaceToCellInline(&faceZone->faceConnectivity[2 * i], cellIndex + 1,
+                                                 counters[cellIndex], mapped, numNodes, true,
+                                                 cellNodes + static_cast<int64_t>(nodesPerCell) * cellIndex,
+                                                 hostZoneType);
+                        counters[cellIndex] += 1;
+                        if (!ok) {
+                            break;
+                        }
                     }
-                    if (!ok) {
-                        break;
-                    }
-                    int32_t cellIndex = c - first;
-                    ok = addFaceToCell(&faceZone->faceConnectivity[2 * i + side], cellIndex + 1,
-                                       counters[cellIndex], mapped, numNodes, side == 0,
-                                       cellNodes + static_cast<int64_t>(nodesPerCell) * cellIndex,
-                                       hostZoneType);
-                    counters[cellIndex] += 1;
-                    if (!ok) {
-                        break;
+                    if (side1) {
+                        const int32_t cellIndex = c1 - first;
+                        ok = addFaceToCellInline(&faceZone->faceConnectivity[2 * i + 1], cellIndex + 1,
+                                                 counters[cellIndex], mapped, numNodes, false,
+                                                 cellNodes + static_cast<int64_t>(nodesPerCell) * cellIndex,
+                                                 hostZoneType);
+                        counters[cellIndex] += 1;
+                        if (!ok) {
+                            break;
+                        }
                     }
                 }
                 if (j >= 0) {
@@ -568,7 +617,7 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
     }
     const int32_t slots = zone->faceNodes != nullptr ? faceZoneSlots(zone) : 0;
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    int32_t* marks = static_cast<int32_t*>(calloc(places > 0 ? places : 1, sizeof(int32_t)));
+    int32_t* marks = static_cast<int32_t*>(bulkCalloc(places > 0 ? places : 1, sizeof(int32_t)));
     if (marks == nullptr) {
         return false;
     }
@@ -614,7 +663,7 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
 bool FaceZoneGetNodeNumsForPoly(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes) {
     (void)caseFile;
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    int32_t* numbers = static_cast<int32_t*>(calloc(places > 0 ? places : 1, sizeof(int32_t)));
+    int32_t* numbers = static_cast<int32_t*>(bulkCalloc(places > 0 ? places : 1, sizeof(int32_t)));
     if (numbers == nullptr) {
         return false;
     }

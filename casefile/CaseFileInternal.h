@@ -33,6 +33,12 @@ inline int64_t realWidth(const MachineConfig* config, int32_t sectionId) {
 bool cellZoneIsListed(const CellZone* zone);
 bool faceZoneIsListed(const FaceZone* zone);
 
+// calloc for the bulk arrays: a block of 4 MB or more is advised to the
+// kernel as one for huge pages, so that filling it takes one page fault per
+// 2 MB rather than one per 4 kB. At least one element is allocated, so that
+// an empty array still reads as loaded. NULL when memory runs out.
+void* bulkCalloc(size_t count, size_t size);
+
 // Opens the case file for binary reading with a stream of its own; on failure
 // shows "Error opening case file '<name>'" and returns NULL.
 FILE* openCaseFileStream(const CaseFile* caseFile);

@@ -91,7 +91,7 @@ bool CaseFileLoadCellZoneCellTypes(CaseFile* caseFile, CellZone* zone) {
     int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
     size_t places = count > 0 ? static_cast<size_t>(count) : 0;
     free(zone->cellTypes);
-    zone->cellTypes = static_cast<int32_t*>(calloc(places > 0 ? places : 1, sizeof(int32_t)));
+    zone->cellTypes = static_cast<int32_t*>(bulkCalloc(places > 0 ? places : 1, sizeof(int32_t)));
     if (zone->cellTypes == nullptr) {
         showErrorf("Out of memory while reading Cells section (Section %d).", zone->sectionId);
         fclose(stream);

@@ -124,7 +124,7 @@ bool CaseFileLoadFaceTree(CaseFile* caseFile, FaceTree* tree) {
     int64_t slots = (static_cast<int64_t>(tree->lastIndex) - tree->firstIndex + 1) * tree->maxChildren;
     free(tree->children);
     tree->children =
-        static_cast<int32_t*>(calloc(slots > 0 ? static_cast<size_t>(slots) : 1, sizeof(int32_t)));
+        static_cast<int32_t*>(bulkCalloc(slots > 0 ? static_cast<size_t>(slots) : 1, sizeof(int32_t)));
     if (tree->children == nullptr) {
         ZorUtilDialogErrMsg("Out of memory.");
         fclose(stream);
@@ -233,7 +233,7 @@ bool caseFileReadChildFace(FILE* stream, const MachineConfig* config, ChildFace*
     }
     size_t numbers = 2 * static_cast<size_t>(pairCount);
     free(childFace->pairs);
-    childFace->pairs = static_cast<int32_t*>(calloc(numbers > 0 ? numbers : 1, sizeof(int32_t)));
+    childFace->pairs = static_cast<int32_t*>(bulkCalloc(numbers > 0 ? numbers : 1, sizeof(int32_t)));
     if (childFace->pairs == nullptr) {
         ZorUtilDialogErrMsg("Failed to allocate space for child faces");
         return false;

@@ -109,14 +109,14 @@ bool faceZoneAllocFaceSectionArrays(FaceZone* zone, int32_t* stride) {
         *stride = zone->faceType > 0 ? zone->faceType : 0;
     } else {
         *stride = 4;
-        zone->faceNodeCounts = static_cast<int32_t*>(calloc(places, sizeof(int32_t)));
+        zone->faceNodeCounts = static_cast<int32_t*>(bulkCalloc(places, sizeof(int32_t)));
         ok = zone->faceNodeCounts != nullptr;
     }
     if (ok) {
         size_t nodes = count * static_cast<size_t>(*stride);
-        zone->faceNodes = static_cast<int32_t*>(calloc(nodes > 0 ? nodes : 1, sizeof(int32_t)));
-        zone->faceCells = static_cast<int32_t*>(calloc(2 * places, sizeof(int32_t)));
-        zone->faceConnectivity = static_cast<int32_t*>(calloc(2 * places, sizeof(int32_t)));
+        zone->faceNodes = static_cast<int32_t*>(bulkCalloc(nodes > 0 ? nodes : 1, sizeof(int32_t)));
+        zone->faceCells = static_cast<int32_t*>(bulkCalloc(2 * places, sizeof(int32_t)));
+        zone->faceConnectivity = static_cast<int32_t*>(bulkCalloc(2 * places, sizeof(int32_t)));
         ok = zone->faceNodes != nullptr && zone->faceCells != nullptr && zone->faceConnectivity != nullptr;
     }
     if (!ok) {
@@ -373,19 +373,19 @@ bool PolyFaceZoneRead(FILE* stream, CaseFile* caseFile, FaceZone* zone, int32_t 
     const bool fixedType = zone->faceType != 0 && zone->faceType != 5;
     zone->numPolyFaceNodes = 0;
     zone->numPolyFaces = static_cast<int32_t>(count);
-    zone->polyCell0 = static_cast<int32_t*>(calloc(places, sizeof(int32_t)));
-    zone->polyCell1 = static_cast<int32_t*>(calloc(places, sizeof(int32_t)));
+    zone->polyCell0 = static_cast<int32_t*>(bulkCalloc(places, sizeof(int32_t)));
+    zone->polyCell1 = static_cast<int32_t*>(bulkCalloc(places, sizeof(int32_t)));
     if (zone->polyCell0 == nullptr || zone->polyCell1 == nullptr) {
         return false;
     }
     if (fixedType) {
         size_t nodes = static_cast<size_t>(count) * static_cast<size_t>(std::max(zone->faceType, 0));
-        zone->polyNodes = static_cast<int32_t*>(calloc(nodes > 0 ? nodes : 1, sizeof(int32_t)));
+        zone->polyNodes = static_cast<int32_t*>(bulkCalloc(nodes > 0 ? nodes : 1, sizeof(int32_t)));
         if (zone->polyNodes == nullptr) {
             return false;
         }
     }
-    zone->polyOffsets = static_cast<int32_t*>(calloc(places + 1, sizeof(int32_t)));
+    zone->polyOffsets = static_cast<int32_t*>(bulkCalloc(places + 1, sizeof(int32_t)));
     if (zone->polyOffsets == nullptr) {
         return false;
     }
@@ -437,7 +437,7 @@ bool PolyFaceZoneRead(FILE* stream, CaseFile* caseFile, FaceZone* zone, int32_t 
     }
 
     // Second pass: now that the total is known, the nodes of every face.
-    zone->polyNodes = static_cast<int32_t*>(calloc(
+    zone->polyNodes = static_cast<int32_t*>(bulkCalloc(
         zone->numPolyFaceNodes > 0 ? static_cast<size_t>(zone->numPolyFaceNodes) : 1, sizeof(int32_t)));
     if (zone->polyNodes == nullptr) {
         return false;

@@ -106,7 +106,7 @@ bool CaseFileLoadAllNodePositions(CaseFile* caseFile) {
     }
     caseFile->numLoadedNodes = numNodes;
     size_t count = static_cast<size_t>(numNodes) * static_cast<size_t>(caseFile->numDimensions);
-    double* positions = static_cast<double*>(calloc(count > 0 ? count : 1, sizeof(double)));
+    double* positions = static_cast<double*>(bulkCalloc(count > 0 ? count : 1, sizeof(double)));
     if (positions == nullptr) {
         showErrorf("Unable to allocate %llu bytes of memory for node positions.",
                    static_cast<unsigned long long>(count * sizeof(double)));
