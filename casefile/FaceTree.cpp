@@ -247,6 +247,9 @@ bool caseFileReadChildFace(FILE* stream, const MachineConfig* config, ChildFace*
     std::vector<int32_t> read(numbers);
     if (!readSectionInts(read.data(), static_cast<int>(numbers), config, stream, "Child Face",
                          childFace->sectionId)) {
+        // Not loaded after all, so that a later load tries again.
+        free(childFace->pairs);
+        childFace->pairs = nullptr;
         return false;
     }
     memcpy(childFace->pairs, read.data(), numbers * sizeof(int32_t));
