@@ -252,13 +252,16 @@ bool assembleFaceZone(CaseFile* caseFile, int32_t index, AssembledZone* out) {
     return true;
 }
 
-// Signed measure of one element from its corner coordinates: area for 2D
-// elements, volume for bricks and tetrahedra; 0 for others.
+// Signed measure of one element from its corner coordinates in the host's
+// corner order: area for 2D elements, volume for bricks and tetrahedra.
 double signedMeasure(const CaseFile* caseFile, const AssembledZone& zone, size_t element) {
     const int d = caseFile->numDimensions;
     auto p = [&](int corner, int axis) {
         int32_t g = zone.globalNodes[element * zone.corners + corner];
-        return axis < d ? caseFile->nodePositions[static_cast<size_t>(g - 1) * d + axis] : 0.0;
+        if (g < 1 || g > caseFile->numLoadedNodes || axis >= d) {
+            return 0.0;  // an unset slot, or z in 2D
+        }
+        return caseFile->nodePositions[static_cast<size_t>(g - 1) * d + axis];
     };
     if (zone.hostZoneType == ZorZoneType_FETriangle || zone.hostZoneType == ZorZoneType_FEQuad) {
         double area = 0.0;
@@ -267,6 +270,25 @@ double signedMeasure(const CaseFile* caseFile, const AssembledZone& zone, size_t
             area += p(k, 0) * p(n, 1) - p(n, 0) * p(k, 1);
         }
         return 0.5 * area;
+    }
+    auto triple = [&](int a, int b, int c) {
+        return p(a, 0) * (p(b, 1) * p(c, 2) - p(b, 2) * p(c, 1)) -
+               p(a, 1) * (p(b, 0) * p(c, 2) - p(b, 2) * p(c, 0)) +
+               p(a, 2) * (p(b, 0) * p(c, 1) - p(b, 1) * p(c, 0));
+    };
+    if (zone.hostZoneType == ZorZoneType_FETetra) {
+        // Volume of the corners 0..3 as the sum over the four faces, each turned outward for a positive cell.
+        return (triple(0, 2, 1) + triple(0, 1, 3) + triple(1, 2, 3) + triple(2, 0, 3)) / 6.0;
+    }
+    if (zone.hostZoneType == ZorZoneType_FEBrick) {
+        // Corners 0..3 on one face, corner k + 4 across from corner k.
+        static const int faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
+                                        {1, 2, 6, 5}, {2, 3, 7, 6}, {3, 0, 4, 7}};
+        double volume = 0.0;
+        for (const auto& f : faces) {
+            volume += triple(f[0], f[1], f[2]) + triple(f[0], f[2], f[3]);
+        }
+        return volume / 6.0;
     }
     return 0.0;
 }
@@ -440,20 +462,21 @@ int main(int argc, char** argv) {
         }
         if (ok) {
             for (const AssembledZone& zone : zones) {
-                if (zone.hostZoneType != ZorZoneType_FETriangle && zone.hostZoneType != ZorZoneType_FEQuad) {
-                    continue;
-                }
-                if (caseFile->numDimensions != 2) {
+                // Cell zones only: area in 2D, volume in 3D.
+                if (zone.label.compare(0, 4, "cell") != 0) {
                     continue;
                 }
                 size_t elements = zone.globalNodes.size() / zone.corners;
                 size_t positive = 0, negative = 0, zero = 0;
+                double total = 0.0;
                 for (size_t e = 0; e < elements; ++e) {
-                    double area = signedMeasure(caseFile, zone, e);
-                    (area > 0 ? positive : area < 0 ? negative : zero) += 1;
+                    double measure = signedMeasure(caseFile, zone, e);
+                    (measure > 0 ? positive : measure < 0 ? negative : zero) += 1;
+                    total += std::fabs(measure);
                 }
-                printf("%s: signed areas: %zu positive, %zu negative, %zu zero\n", zone.label.c_str(),
-                       positive, negative, zero);
+                printf("%s: signed %s: %zu positive, %zu negative, %zu zero; total %.10g\n",
+                       zone.label.c_str(), caseFile->numDimensions == 2 ? "areas" : "volumes", positive,
+                       negative, zero, total);
             }
         }
         if (ok && !options.vtkFile.empty() && !writeVtk(caseFile, zones, options.vtkFile)) {
