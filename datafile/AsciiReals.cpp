@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <clocale>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <system_error>
@@ -95,6 +96,41 @@ int readWithFscanf(double* out, int n, FILE* stream) {
 
 }  // namespace
 
+// One number through the stream's getc: the token is collected, checked and
+// converted; anything else goes back to the token's start and through fscanf.
+// False where fscanf would have failed (or the way back failed).
+static bool readOneNumber(double* out, FILE* stream) {
+    char token[72];
+    int c;
+    do {
+        c = getc_unlocked(stream);
+    } while (c != EOF && isBlank(c));
+    if (c == EOF) {
+        return false;  // where fscanf would give EOF: the stream's state tells why
+    }
+    size_t length = 0;
+    while (isTokenChar(c) && length < sizeof token - 1) {
+        token[length++] = static_cast<char>(c);
+        c = getc_unlocked(stream);
+    }
+    const bool whole = length > 0 && length < sizeof token - 1 && !isTokenChar(c);
+    if (c != EOF) {
+        ungetc(c, stream);
+    }
+    if (whole && !isLetterOrDigit(c) && isDecimalNumber(token, length)) {
+        *out = convert(token, length);
+        return true;
+    }
+    if (length > 0) {
+        // A stream that told its position at the start can go back to the token.
+        const off_t now = ftello(stream);
+        if (now == -1 || fseeko(stream, now - static_cast<off_t>(length), SEEK_SET) != 0) {
+            return false;
+        }
+    }
+    return fscanf(stream, "%lg", out) == 1;
+}
+
 int readAsciiReals(double* out, int n, FILE* stream) {
     if (n <= 0) {
         return 0;
@@ -103,37 +139,62 @@ int readAsciiReals(double* out, int n, FILE* stream) {
         return readWithFscanf(out, n, stream);
     }
     flockfile(stream);
-    char token[72];
     int i = 0;
     for (; i < n; ++i) {
-        int c;
-        do {
-            c = getc_unlocked(stream);
-        } while (c != EOF && isBlank(c));
-        if (c == EOF) {
-            break;  // where fscanf would give EOF: the stream's state tells why
+#ifdef __GLIBC__
+        // Most numbers lie whole inside the stream's buffer: they are found and
+        // converted there, and the buffer's read pointer (what getc moves) is
+        // moved past them. A number the buffer holds in part, or that does not
+        // read whole, goes the slow way from where the pointer stands.
+        const char* p = stream->_IO_read_ptr;
+        const char* end = stream->_IO_read_end;
+        while (p < end && isBlank(static_cast<unsigned char>(*p))) {
+            ++p;
         }
-        size_t length = 0;
-        while (isTokenChar(c) && length < sizeof token - 1) {
-            token[length++] = static_cast<char>(c);
-            c = getc_unlocked(stream);
+        // The decimal grammar, then the rest of the token: a number is taken
+        // here when the grammar covers the whole token.
+        const char* first = p;
+        if (p < end && (*p == '+' || *p == '-')) {
+            ++p;
         }
-        const bool whole = length > 0 && length < sizeof token - 1 && !isTokenChar(c);
-        if (c != EOF) {
-            ungetc(c, stream);
+        const char* digits = p;
+        while (p < end && isDigit(*p)) {
+            ++p;
         }
-        if (whole && !isLetterOrDigit(c) && isDecimalNumber(token, length)) {
-            out[i] = convert(token, length);
-            continue;
+        ptrdiff_t digitCount = p - digits;
+        if (p < end && *p == '.') {
+            const char* fraction = ++p;
+            while (p < end && isDigit(*p)) {
+                ++p;
+            }
+            digitCount += p - fraction;
         }
-        // Let fscanf decide, from the token's start.
-        if (length > 0) {
-            const off_t now = ftello(stream);
-            if (now == -1 || fseeko(stream, now - static_cast<off_t>(length), SEEK_SET) != 0) {
-                break;
+        bool valid = digitCount > 0;
+        if (valid && p < end && (*p == 'e' || *p == 'E')) {
+            ++p;
+            if (p < end && (*p == '+' || *p == '-')) {
+                ++p;
+            }
+            const char* exponent = p;
+            while (p < end && isDigit(*p)) {
+                ++p;
+            }
+            valid = p > exponent;
+        }
+        if (valid && p < end && !isTokenChar(static_cast<unsigned char>(*p)) &&
+            !isLetterOrDigit(static_cast<unsigned char>(*p))) {
+            double value;
+            const std::from_chars_result r =
+                std::from_chars(*first == '+' ? first + 1 : first, p, value, std::chars_format::general);
+            if (r.ec == std::errc() && r.ptr == p) {
+                out[i] = value;
+                stream->_IO_read_ptr = const_cast<char*>(p);
+                continue;
             }
         }
-        if (fscanf(stream, "%lg", &out[i]) != 1) {
+        stream->_IO_read_ptr = const_cast<char*>(first);
+#endif
+        if (!readOneNumber(&out[i], stream)) {
             break;
         }
     }
