@@ -196,6 +196,34 @@ TEST(FluentGenFiles, HangingNodeMeshesHaveTreesParentZonesAndClosedCells) {
                 }
                 EXPECT_EQ(cellTrees, 1);
                 EXPECT_GE(faceTrees, 2);  // interior children and at least one side's
+                // Child Faces pair a copy of the boundary parents with the parents in the type 31 zone.
+                int childFaces = 0;
+                for (size_t p = 0; p < m.facePairs().size(); ++p) {
+                    const fluentgen::FacePairsInfo& info = m.facePairs()[p];
+                    if (info.sectionBase != 62) {
+                        continue;
+                    }
+                    ++childFaces;
+                    EXPECT_EQ(info.zoneB, parentZone);
+                    EXPECT_GT(info.count, 0);
+                    for (int64_t k = 0; k < info.count; ++k) {
+                        std::pair<int64_t, int64_t> cp = m.facePair(p, k);
+                        const fluentgen::FaceZoneInfo* child = nullptr;
+                        const fluentgen::FaceZoneInfo* parent = nullptr;
+                        for (const fluentgen::FaceZoneInfo& z : m.faceZones()) {
+                            if (cp.first >= z.first && cp.first <= z.last) {
+                                child = &z;
+                            }
+                            if (cp.second >= z.first && cp.second <= z.last) {
+                                parent = &z;
+                            }
+                        }
+                        ASSERT_TRUE(child && parent);
+                        EXPECT_EQ(child->id, info.zoneA);
+                        EXPECT_EQ(parent->id, parentZone);
+                    }
+                }
+                EXPECT_EQ(childFaces, 1);
                 // Children tile their parent: their nodes lie on it and their sizes add up.
                 fgtest::FileMesh fm = fgtest::meshFromFile(fgtest::parseFluent(fluentgen::caseText(s)));
                 ASSERT_FALSE(fm.faceChildren.empty());
@@ -536,4 +564,28 @@ TEST(FluentGenFiles, CaseVariablesNameSpeciesAndFlags) {
         axis = axis || z.bcType == 37;
     }
     EXPECT_TRUE(axis);
+}
+
+TEST(FluentGenFiles, SmallestAndThinBoxes) {
+    const std::array<int, 3> sizes[] = {{1, 1, 1}, {1, 3, 2}, {3, 1, 1}, {2, 1, 4}, {1, 1, 5}};
+    for (MeshKind kind : kKinds) {
+        for (const std::array<int, 3>& c : sizes) {
+            Spec s = smallSpec(kind);
+            s.cells = c;
+            s.fields = fluentgen::standardFields(2, is2D(kind) ? 2 : 3);
+            s.extraSections = true;
+            SCOPED_TRACE(name(kind) + " " + std::to_string(c[0]) + "x" + std::to_string(c[1]) + "x" +
+                         std::to_string(c[2]));
+            checkCase(s);
+            checkData(s);
+            if (kind == MeshKind::Hex || kind == MeshKind::Quad) {
+                s.hanging = true;  // refines everything along an axis of one block
+                checkCase(s);
+                checkData(s);
+            }
+            if (HasFatalFailure()) {
+                return;
+            }
+        }
+    }
 }

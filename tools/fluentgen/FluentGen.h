@@ -123,7 +123,10 @@ struct Spec {
     bool mixedCellBodies = false;  // write uniform cell zones as mixed (element type 0 with a body)
     bool mixedFaceTypes = false;   // write face zones as mixed (face type 0, a count per face)
     int polygonFaceType = 5;       // face type of the zones that hold polygons: 5 or 0
-    bool hanging = false;          // Hex / Quad only: a refined corner region with hanging nodes
+    bool hanging = false;          // Hex / Quad only: a refined corner region with hanging nodes:
+                                   // Face Trees (59), a Cell Tree (58), parent zones of types 31
+                                   // and 32, and a copy of the boundary parent faces (type 1012)
+                                   // paired with them by Interface Face Parents (61) and Child Faces (62)
     bool extraSections = false;    // periodic x sides (18), grid size (33), partitions (40),
                                    // duplicate face zones of types 1012 and 38 (61, 62)
     int nodeSections = 1;          // the node range is written in this many Nodes sections

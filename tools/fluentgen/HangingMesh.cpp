@@ -232,6 +232,11 @@ HangingMesh::HangingMesh(const Spec& spec) {
     treeSide_.push_back(-2);
     treeChildBase_.push_back(unrefined_ + 1);
 
+    // A one-sided copy of the boundary parent faces, paired with them by
+    // Interface Face Parents and Child Faces sections, as interfaces over a
+    // refined boundary leave them. The copies bound no cell of the fluid zone.
+    addDuplicateZone(static_cast<size_t>(parentZone_), 1012, "overlap-parent-faces", true, split,
+                     boundaryParents);
     if (spec.extraSections) {
         int hiSide = dims == 3 ? 5 : 3;
         int loSide = dims == 3 ? 4 : 2;

@@ -21,22 +21,30 @@ void Mesh::cells(size_t cellZone, CellVisitor& v) const {
 
 namespace {
 
-// Passes faces on with the second cell dropped: a duplicate zone is one-sided.
+// Passes on the faces of a range with the second cell dropped: a copy is one-sided.
 class OneSided : public FaceVisitor {
   public:
-    explicit OneSided(FaceVisitor& inner) : inner_(inner) {}
-    void face(const int64_t* nodes, int n, int64_t c0, int64_t) override { inner_.face(nodes, n, c0, 0); }
+    OneSided(FaceVisitor& inner, int64_t offset, int64_t count)
+        : inner_(inner), offset_(offset), count_(count) {}
+    void face(const int64_t* nodes, int n, int64_t c0, int64_t) override {
+        if (k_ >= offset_ && k_ < offset_ + count_) {
+            inner_.face(nodes, n, c0, 0);
+        }
+        ++k_;
+    }
 
   private:
     FaceVisitor& inner_;
+    int64_t offset_, count_, k_ = 0;
 };
 
 }  // namespace
 
 void Mesh::faces(size_t faceZone, FaceVisitor& v) const {
-    if (faceZone < dupOf_.size() && dupOf_[faceZone] >= 0) {
-        OneSided one(v);
-        ownFaces(static_cast<size_t>(dupOf_[faceZone]), one);
+    if (faceZone < dupOf_.size() && dupOf_[faceZone].original >= 0) {
+        const Copy& c = dupOf_[faceZone];
+        OneSided one(v, c.offset, c.count);
+        ownFaces(static_cast<size_t>(c.original), one);
         return;
     }
     ownFaces(faceZone, v);
@@ -48,30 +56,31 @@ void Mesh::treeChildren(size_t, int64_t, std::vector<int64_t>& out) const {
 
 std::pair<int64_t, int64_t> Mesh::pair(size_t pairsIndex, int64_t k) const {
     const FacePairsInfo& p = pairs[pairsIndex];
-    // Pairs of a duplicate zone with its original: zoneA is the copy, zoneB the original.
-    const FaceZoneInfo* copy = nullptr;
-    const FaceZoneInfo* original = nullptr;
-    for (const FaceZoneInfo& z : faceZones) {
-        if (z.id == p.zoneA) {
-            copy = &z;
+    // Pairs of a copy with its original: zoneA is the copy, zoneB the original.
+    for (size_t zi = 0; zi < faceZones.size() && zi < dupOf_.size(); ++zi) {
+        const Copy& c = dupOf_[zi];
+        if (faceZones[zi].id != p.zoneA || c.original < 0 || k < 0 || k >= p.count) {
+            continue;
         }
-        if (z.id == p.zoneB) {
-            original = &z;
+        int64_t original = faceZones[static_cast<size_t>(c.original)].first + c.offset + k;
+        if (p.sectionBase == 61) {
+            return {original, original};  // interface face parents: the original on both sides
         }
+        return {faceZones[zi].first + k, original};
     }
-    if (copy == nullptr || original == nullptr || k < 0 || k >= p.count) {
-        throw std::out_of_range("fluentgen: no such face pair");
-    }
-    if (p.sectionBase == 61) {
-        // Interface face parents: both parents are the original face.
-        return {original->first + k, original->first + k};
-    }
-    return {copy->first + k, original->first + k};
+    throw std::out_of_range("fluentgen: no such face pair");
 }
 
-void Mesh::addDuplicateZone(size_t original, int bcType, const std::string& name, bool childFaces) {
-    dupOf_.resize(faceZones.size(), -1);
+void Mesh::addDuplicateZone(size_t original, int bcType, const std::string& name, bool childFaces,
+                            int64_t offset, int64_t count) {
+    dupOf_.resize(faceZones.size());
     const FaceZoneInfo& o = faceZones[original];
+    if (count < 0) {
+        count = o.last - o.first + 1 - offset;
+    }
+    if (count <= 0) {
+        return;
+    }
     FaceZoneInfo z = o;
     int maxId = 0;
     for (const CellZoneInfo& c : cellZones) {
@@ -84,12 +93,15 @@ void Mesh::addDuplicateZone(size_t original, int bcType, const std::string& name
     z.bcType = bcType;
     z.name = name;
     z.boundary = false;
-    int64_t n = o.last - o.first + 1;
     z.first = faceCount + 1;
-    z.last = faceCount + n;
-    faceCount += n;
+    z.last = faceCount + count;
+    faceCount += count;
     faceZones.push_back(z);
-    dupOf_.push_back(static_cast<int>(original));
+    Copy copy;
+    copy.original = static_cast<int>(original);
+    copy.offset = offset;
+    copy.count = count;
+    dupOf_.push_back(copy);
 
     FacePairsInfo parents;
     parents.sectionBase = 61;
@@ -97,16 +109,16 @@ void Mesh::addDuplicateZone(size_t original, int bcType, const std::string& name
     parents.last = z.last;
     parents.zoneA = z.id;
     parents.zoneB = o.id;
-    parents.count = n;
+    parents.count = count;
     pairs.push_back(parents);
     if (childFaces) {
         FacePairsInfo kids;
         kids.sectionBase = 62;
         kids.first = 1;
-        kids.last = n;
+        kids.last = count;
         kids.zoneA = z.id;
         kids.zoneB = o.id;
-        kids.count = n;
+        kids.count = count;
         pairs.push_back(kids);
     }
 }

@@ -58,13 +58,20 @@ class Mesh {
 
   protected:
     virtual void ownFaces(size_t faceZone, FaceVisitor& v) const = 0;
-    // Adds, behind the zones made so far, a copy of face zone `original` with
-    // boundary type `bcType`, its Interface Face Parents (61) and, when
+    // Adds, behind the zones made so far, a one-sided copy of `count` faces of
+    // face zone `original` from its face `offset` (0-based; count -1: all),
+    // with boundary type `bcType`, its Interface Face Parents (61) and, when
     // `childFaces`, a Child Faces (62) pairing each copy with its original.
-    void addDuplicateZone(size_t original, int bcType, const std::string& name, bool childFaces);
+    void addDuplicateZone(size_t original, int bcType, const std::string& name, bool childFaces,
+                          int64_t offset = 0, int64_t count = -1);
     // Gives each zone its name section by the spec's naming rule.
     void nameZones(ZoneNames naming);
-    std::vector<int> dupOf_;  // per face zone: index of the zone it copies, -1 for none
+    struct Copy {
+        int original = -1;   // index of the face zone copied, -1: not a copy
+        int64_t offset = 0;  // first face copied, 0-based in the original
+        int64_t count = 0;
+    };
+    std::vector<Copy> dupOf_;  // per face zone
 };
 
 // Builds the mesh of a spec; throws std::invalid_argument for a bad spec.
