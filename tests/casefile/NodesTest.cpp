@@ -152,6 +152,19 @@ TEST_F(NodesTest, BigEndianBinaryNodes) {
     EXPECT_EQ(positions(caseFile), (std::vector<double>{1.25, -2, 3, 4.5}));
 }
 
+TEST_F(NodesTest, ZeroInTheNonIeeeFormatIsANumberOverflow) {
+    CaseBytes file;
+    file.text("(2 2)\n(4 (60 0 1 1 2 4 4 4 8 4 4))\n");
+    file.text("(3010 (1 1 1 1 2)\n(").text(std::string(24, '\0')).endBinary(3010);
+    bool ok = false;
+    CaseFile* caseFile = scanBytes(file.bytes(), &ok);
+    ASSERT_TRUE(ok);
+    EXPECT_EQ(caseFile->machineConfig.floatFormat, 1);
+    EXPECT_FALSE(load(caseFile));
+    EXPECT_EQ(messageTexts(), texts({"Number overflow while reading Nodes section (section 3010)."}));
+    EXPECT_EQ(caseFile->nodePositions, nullptr);
+}
+
 TEST_F(NodesTest, GapsStayZeroAndTheLastOverlappingZoneWins) {
     bool ok = false;
     CaseFile* caseFile = scanBytes(
