@@ -52,11 +52,18 @@ std::string inflateIfGzip(const std::string& bytes) {
 
 namespace {
 
-// Index of the ')' that closes the '(' at `open`, counting nesting.
+// Index of the ')' that closes the '(' at `open`, counting nesting and
+// passing over strings in double quotes (with backslash escapes).
 size_t closing(const std::string& s, size_t open) {
     int depth = 0;
     for (size_t i = open; i < s.size(); ++i) {
-        if (s[i] == '(') {
+        if (s[i] == '"') {
+            for (++i; i < s.size() && s[i] != '"'; ++i) {
+                if (s[i] == '\\') {
+                    ++i;
+                }
+            }
+        } else if (s[i] == '(') {
             ++depth;
         } else if (s[i] == ')') {
             if (--depth == 0) {
@@ -67,10 +74,27 @@ size_t closing(const std::string& s, size_t open) {
     return std::string::npos;
 }
 
-std::string marker(int id, const char* tail) {
-    char buf[64];
-    std::snprintf(buf, sizeof buf, "End of Binary Section   %4d%s", id, tail);
-    return buf;
+// Finds "End of Binary Section", blanks, `id` and `tail` from `from`; returns
+// its position and sets `length`. Solvers put three blanks and the id in four
+// columns; some meshers one blank.
+size_t findMarker(const std::string& s, size_t from, int id, const std::string& tail, size_t* length) {
+    static const std::string words = "End of Binary Section";
+    std::string number = std::to_string(id);
+    for (size_t at = s.find(words, from); at != std::string::npos; at = s.find(words, at + 1)) {
+        size_t p = at + words.size();
+        if (p >= s.size() || s[p] != ' ') {
+            continue;
+        }
+        while (p < s.size() && s[p] == ' ') {
+            ++p;
+        }
+        if (s.compare(p, number.size(), number) == 0 &&
+            s.compare(p + number.size(), tail.size(), tail) == 0) {
+            *length = p + number.size() + tail.size() - at;
+            return at;
+        }
+    }
+    return std::string::npos;
 }
 
 bool isDataFamily(int id) {
@@ -162,8 +186,9 @@ ParsedFile parseFluent(const std::string& bytes) {
                 size_t r = q + 1;
                 sub.id = std::atoi(s.c_str() + r);
                 size_t open = s.find('(', r);
-                std::string m = marker(sub.id, "))");
-                size_t at = s.find(m, open + 1);
+                size_t mlen = 0;
+                size_t at = open == std::string::npos ? std::string::npos
+                                                      : findMarker(s, open + 1, sub.id, "))", &mlen);
                 if (open == std::string::npos || at == std::string::npos) {
                     f.error = "no end of particle subsection";
                     return f;
@@ -173,18 +198,19 @@ ParsedFile parseFluent(const std::string& bytes) {
                     sub.body.pop_back();
                 }
                 sec.subsections.push_back(sub);
-                q = at + m.size();
+                q = at + mlen;
             }
             pos = q;
             f.sections.push_back(sec);
             continue;
         }
-        std::string m = marker(sec.id, ")");
-        size_t at = s.find(m, q);
+        size_t mlen = 0;
+        size_t at = findMarker(s, q, sec.id, ")", &mlen);
         if (at == std::string::npos) {
             f.error = "no end marker of section " + std::to_string(sec.id);
             return f;
         }
+        sec.raw = s.substr(q, at - q);
         size_t b = q;
         while (b < at && (s[b] == '\n' || s[b] == ' ')) {
             ++b;
@@ -202,7 +228,7 @@ ParsedFile parseFluent(const std::string& bytes) {
             }
             sec.body = body;
         }
-        pos = at + m.size();
+        pos = at + mlen;
         f.sections.push_back(sec);
     }
     return f;

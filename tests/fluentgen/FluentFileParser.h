@@ -14,6 +14,7 @@ struct Section {
     int id = 0;
     std::string header;  // text inside the section's first parentheses (binary: the header only)
     std::string body;    // ASCII: everything behind the header; binary: the bytes between body '(' and marker
+    std::string raw;     // binary: every byte between the header's ')' and the end marker
     std::vector<Section> subsections;  // particle sections: one per variable
 };
 

@@ -4,7 +4,7 @@
 //
 // Binary sections:  (2013 (b 21d 2f4 3 4)\n(<numbers>)\nEnd of Binary Section   2013)\n
 // a uniform cell zone has no body:  (2012 (9 1 d8 1 4)\nEnd of Binary Section   2012)\n
-// ASCII sections:   (13 (b 21d 2f4 3 4)(\n<hexadecimal numbers>\n))\n
+// ASCII sections:   (13 (b 21d 2f4 3 4)\n(\n<hexadecimal numbers, a face a line>))\n
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -75,18 +75,42 @@ class CaseWriter {
         out_.dec(v);
         out_.ch(last ? ')' : ' ');
     }
-    void body() { out_.text(id_ >= 2000 ? "\n(" : "(\n"); }
+    // ASCII bodies as a recent solver writes them: "\n(\n", numbers a line
+    // apart by single blanks, and "))" right behind the last line.
+    void body() {
+        out_.text(id_ >= 2000 ? "\n(" : "\n(\n");
+        lineStart_ = true;
+        newline_ = false;
+    }
+    void startNumber() {
+        if (newline_) {
+            out_.ch('\n');
+            newline_ = false;
+        } else if (!lineStart_) {
+            out_.ch(' ');
+        }
+        lineStart_ = false;
+    }
     void integer(int64_t v) {
         if (id_ >= 2000) {
             out_.binInt(v);
         } else {
+            startNumber();
             out_.hex(v);
-            out_.ch(' ');
+        }
+    }
+    void real(double v, bool single) {
+        if (id_ >= 2000) {
+            out_.binReal(v, single);
+        } else {
+            startNumber();
+            out_.real(v);
         }
     }
     void endLine() {
-        if (id_ < 2000) {
-            out_.ch('\n');
+        if (id_ < 2000 && !lineStart_) {
+            newline_ = true;
+            lineStart_ = true;
         }
     }
     void close() {
@@ -133,6 +157,8 @@ class CaseWriter {
     Out& out_;
     Families fam_;
     int id_ = 0;
+    bool lineStart_ = true;  // ASCII: no number on the current line yet
+    bool newline_ = false;   // ASCII: a line break is due before the next number
 };
 
 void CaseWriter::write() {
@@ -330,23 +356,12 @@ void CaseWriter::nodes() {
       public:
         Nodes(CaseWriter& w, int dims, bool single) : w_(w), dims_(dims), single_(single) {}
         void node(const Vec3& p) override {
-            Out& o = w_.out_;
-            if (w_.id_ >= 2000) {
-                o.binReal(p.x, single_);
-                o.binReal(p.y, single_);
-                if (dims_ == 3) {
-                    o.binReal(p.z, single_);
-                }
-            } else {
-                o.real(p.x);
-                o.ch(' ');
-                o.real(p.y);
-                if (dims_ == 3) {
-                    o.ch(' ');
-                    o.real(p.z);
-                }
-                o.ch('\n');
+            w_.real(p.x, single_);
+            w_.real(p.y, single_);
+            if (dims_ == 3) {
+                w_.real(p.z, single_);
             }
+            w_.endLine();
         }
 
       private:
