@@ -207,6 +207,17 @@ TEST(FluentGenModel, InvalidSpecsAreRefusedWithAMessage) {
     s = Spec();
     s.additionalQuantities = {"a(b)"};
     EXPECT_EQ(invalid(s), "additional quantity name 'a(b)' must not be empty nor hold parentheses or quotes");
+    s = Spec();
+    s.cells = {1300, 1300, 1300};  // 2.2e9 cells
+    EXPECT_EQ(invalid(s), "mesh too large for 4-byte integers: use an integer size of 8");
+    s.intSize = 8;
+    EXPECT_EQ(invalid(s), "");
+    s = Spec();
+    s.mesh = fluentgen::MeshKind::Quad;
+    s.spacing = {1.0, 1.0, 0.0};  // no z in 2D
+    EXPECT_EQ(invalid(s), "");
+    s.spacing = {1.0, -1.0, 0.0};
+    EXPECT_EQ(invalid(s), "spacing must be positive");
     EXPECT_THROW(fluentgen::standardFields(100, 3), std::invalid_argument);
     EXPECT_THROW(fluentgen::richFields(0), std::invalid_argument);
 }

@@ -1,5 +1,6 @@
 // The public face of fluentgen: specs, formulas, the model, file writing.
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <map>
@@ -158,8 +159,8 @@ void validate(const Spec& spec) {
     if (spec.nodeSections < 1) {
         throw std::invalid_argument("node sections must be at least 1");
     }
-    for (double h : spec.spacing) {
-        if (!(h > 0.0)) {
+    for (int a = 0; a < (detail::is3D(spec.mesh) ? 3 : 2); ++a) {
+        if (!(spec.spacing[static_cast<size_t>(a)] > 0.0)) {
             throw std::invalid_argument("spacing must be positive");
         }
     }
@@ -209,10 +210,23 @@ struct Model::Impl {
     mutable std::map<int, std::vector<Vec3>> faceCentres;  // by zone id, made on first use
 };
 
+namespace detail {
+
+std::unique_ptr<Mesh> buildChecked(const Spec& spec) {
+    validate(spec);
+    std::unique_ptr<Mesh> mesh = buildMesh(spec);
+    int64_t largest = std::max(mesh->nodeCount, std::max(mesh->cellCount, mesh->faceCount));
+    if (spec.intSize == 4 && largest > INT32_MAX) {
+        throw std::invalid_argument("mesh too large for 4-byte integers: use an integer size of 8");
+    }
+    return mesh;
+}
+
+}  // namespace detail
+
 Model::Model(const Spec& spec) : impl_(new Impl) {
-    detail::validate(spec);
+    impl_->mesh = detail::buildChecked(spec);
     impl_->spec = spec;
-    impl_->mesh = detail::buildMesh(spec);
 }
 
 Model::~Model() = default;
@@ -432,15 +446,13 @@ std::string stepName(const std::string& base, int step) {
 }  // namespace
 
 void writeCaseFile(const Spec& spec, const std::string& path) {
-    detail::validate(spec);
-    auto mesh = detail::buildMesh(spec);
+    auto mesh = detail::buildChecked(spec);
     auto sink = detail::openFileSink(path, level(spec));
     caseTo(spec, *mesh, *sink);
 }
 
 void writeDataFile(const Spec& spec, int step, const std::string& path) {
-    detail::validate(spec);
-    auto mesh = detail::buildMesh(spec);
+    auto mesh = detail::buildChecked(spec);
     auto sink = detail::openFileSink(path, level(spec));
     dataTo(spec, *mesh, step, *sink);
 }
@@ -452,8 +464,7 @@ void writeXmlFile(const Spec& spec, const std::string& path) {
 }
 
 std::string caseText(const Spec& spec) {
-    detail::validate(spec);
-    auto mesh = detail::buildMesh(spec);
+    auto mesh = detail::buildChecked(spec);
     std::string s;
     auto sink = detail::openStringSink(s, level(spec));
     caseTo(spec, *mesh, *sink);
@@ -461,8 +472,7 @@ std::string caseText(const Spec& spec) {
 }
 
 std::string dataText(const Spec& spec, int step) {
-    detail::validate(spec);
-    auto mesh = detail::buildMesh(spec);
+    auto mesh = detail::buildChecked(spec);
     std::string s;
     auto sink = detail::openStringSink(s, level(spec));
     dataTo(spec, *mesh, step, *sink);
@@ -478,8 +488,7 @@ std::string xmlText(const Spec& spec) {
 }
 
 WrittenFiles writeFiles(const Spec& spec, const std::string& directory, const std::string& baseName) {
-    detail::validate(spec);
-    std::unique_ptr<detail::Mesh> meshHolder = detail::buildMesh(spec);
+    std::unique_ptr<detail::Mesh> meshHolder = detail::buildChecked(spec);
     const detail::Mesh& mesh = *meshHolder;
     std::string gz = spec.gzip ? ".gz" : "";
     std::string base = directory.empty() ? baseName : directory + "/" + baseName;
