@@ -9,6 +9,9 @@
 #include "casefile/CaseFile.h"
 #include "datafile/DataFile.h"
 #include "datafile/Residuals.h"
+#include "dataset/AuxData.h"
+#include "dataset/GridZones.h"
+#include "dataset/VariableList.h"
 #include "host/TaskProgress.h"
 #include "host/ZorData.h"
 #include "host/ZorUtil.h"
@@ -35,6 +38,27 @@ struct LoadState {
     ZorIndex oldNumVars = 0;                 // variables of the data set before an appending load
     std::string errorText;                   // shown last, unless the user interrupted
 };
+
+// Says so when the instructions ask for what this version of the loader
+// cannot load: series, residuals, particles, values averaged to nodes.
+// (Polygonal and polyhedral zones show only when the zones are made.)
+bool versionCanLoad(const LoadInstructions& li) {
+    const char* refusal = nullptr;
+    if (li.loadOption == LoadOption_MultipleCaseAndData) {
+        refusal =
+            "Loading a list of files as a series is not available in this version of the Fluent loader.";
+    } else if (li.loadOption == LoadOption_ResidualsOnly) {
+        refusal = "Loading residuals is not available in this version of the Fluent loader.";
+    } else if (li.includeParticleData) {
+        refusal = "Loading particle data is not available in this version of the Fluent loader.";
+    } else if (li.averageToNodes && li.loadOption == LoadOption_CaseAndData) {
+        refusal =
+            "Averaging cell-centred values to nodes is not available in this version of the Fluent loader.";
+    }
+    if (refusal != nullptr)
+        ZorUtilDialogErrMsg(refusal);
+    return refusal == nullptr;
+}
 
 // Steps 2 to 14 of the road: the checks, the parse, the scans. False when
 // the load failed; messages of the parts are shown already, state.errorText
@@ -69,6 +93,8 @@ bool runLoad(ZorStringList instructions, LoadState& s) {
     }
     const bool ended = s.progress->end();
     if (!(ended && parsed))
+        return false;
+    if (!versionCanLoad(li))
         return false;
 
     // The solution: a load that replaces the data set throws any pre-scan away.
@@ -159,12 +185,7 @@ bool runLoad(ZorStringList instructions, LoadState& s) {
     if (!ok)
         return false;
 
-    if (li.loadOption == LoadOption_MultipleCaseAndData) {
-        ZorUtilDialogErrMsg(
-            "Loading a list of files as a series is not available in this version of the "
-            "Fluent loader.");
-        return false;
-    }
+    setDatasetAuxData();
     return true;
 }
 
@@ -183,18 +204,14 @@ void SplitPathAndName(const char* fileName, std::string* basePath, std::string* 
 }
 
 bool ScanCaseFile(CaseFile** caseFile, FluentSolution* solution, const char* fileName, int32_t gridZones,
-                  ZorSet zoneList, ZorSet /*zonesAdded*/, int32_t /*fileIndex*/, bool /*append*/,
-                  bool allPolyZones, bool /*averageToNodes*/, int32_t /*averagingMethod*/,
-                  bool /*assignStrandIDs*/, bool /*addZonesToExistingStrands*/, int32_t /*strandBase*/,
-                  int32_t* /*zoneOffset*/, int32_t /*unsteadyOption*/, double /*solutionTime*/,
-                  bool /*useMetadata*/, std::unique_ptr<TaskProgress> task) {
+                  ZorSet zoneList, ZorSet zonesAdded, int32_t fileIndex, bool append, bool allPolyZones,
+                  bool averageToNodes, int32_t averagingMethod, bool assignStrandIDs,
+                  bool addZonesToExistingStrands, int32_t strandBase, int32_t* zoneOffset,
+                  int32_t unsteadyOption, double solutionTime, bool /*useMetadata*/,
+                  std::unique_ptr<TaskProgress> task) {
+    // Metadata files are neither read nor written by this version: every case is scanned.
     std::string basePath, bareName;
     SplitPathAndName(fileName, &basePath, &bareName);
-    // A metadata file describes the whole file, so a load restricted to some
-    // zones neither reads nor writes one.
-    const bool restrictedLoad =
-        zoneList != nullptr || gridZones != GridZones_CellsAndBoundaries || allPolyZones;
-    (void)restrictedLoad;
 
     ZorUtilDataLoadBegin();
     task->setNumSteps(3);
@@ -209,19 +226,31 @@ bool ScanCaseFile(CaseFile** caseFile, FluentSolution* solution, const char* fil
     } else {
         ok = began && !task->isInterrupted();
     }
+    if (ok) {
+        // The running strand id of the load; a first case starts from none.
+        int32_t firstStrand = 0;
+        int32_t* strandId = zoneOffset != nullptr ? zoneOffset : &firstStrand;
+        ok = CreateZorvaneGridZones(solution, *caseFile, gridZones, zoneList, zonesAdded, fileIndex, append,
+                                    allPolyZones, averageToNodes, averagingMethod, assignStrandIDs,
+                                    addZonesToExistingStrands, strandBase, strandId, unsteadyOption,
+                                    solutionTime, false, task->createChildTask(1));
+        if (ok)
+            setBoundaryAuxData(*caseFile);
+    }
     ok = task->end() && ok;
     ZorUtilDataLoadEnd();
     return ok;
 }
 
 bool ScanDataFile(DataFile** dataFile, FluentSolution* solution, const char* fileName, CaseFile* caseFile,
-                  int32_t /*gridZones*/, int32_t loadOption, ZorSet /*zoneList*/, ZorSet /*zonesAdded*/,
-                  ZorStringList /*varNameList*/, bool /*isRepeatDataFile*/, bool /*allPolyZones*/,
-                  bool /*includeParticleData*/, bool /*assignStrandIDs*/, int32_t* /*zoneOffset*/,
-                  int32_t /*ordinal*/, bool /*averageToNodes*/, int32_t /*averagingMethod*/,
-                  int32_t /*unsteadyOption*/, double /*solutionTime*/, bool /*useMetadata*/,
-                  int32_t* /*particleStrand*/, const char* /*particleFileName*/, int32_t /*numFileSteps*/,
-                  bool loadAdditionalQuantities, std::unique_ptr<TaskProgress> task) {
+                  int32_t gridZones, int32_t loadOption, ZorSet zoneList, ZorSet /*zonesAdded*/,
+                  ZorStringList varNameList, bool isRepeatDataFile, bool allPolyZones,
+                  bool includeParticleData, bool /*assignStrandIDs*/, int32_t* zoneOffset,
+                  int32_t /*ordinal*/, bool averageToNodes, int32_t averagingMethod, int32_t unsteadyOption,
+                  double solutionTime, bool /*useMetadata*/, int32_t* /*particleStrand*/,
+                  const char* particleFileName, int32_t /*numFileSteps*/, bool loadAdditionalQuantities,
+                  std::unique_ptr<TaskProgress> task) {
+    // Metadata files are neither read nor written by this version: every data file is scanned.
     std::string basePath, bareName;
     SplitPathAndName(fileName, &basePath, &bareName);
     task->setNumSteps(5);
@@ -238,8 +267,64 @@ bool ScanDataFile(DataFile** dataFile, FluentSolution* solution, const char* fil
     } else {
         ok = began && !task->isInterrupted();
     }
-    if (loadOption == LoadOption_ResidualsOnly)
+
+    // A later time step of the grid loaded already: its zones follow the ones the case put in.
+    if (ok && isRepeatDataFile && zoneOffset != nullptr) {
+        if (zoneList != nullptr && !ZorUtilSetIsEmpty(zoneList)) {
+            *zoneOffset += static_cast<int32_t>(ZorUtilSetGetMemberCount(zoneList));
+        } else {
+            for (int32_t i = 0; i < caseFile->numCellZones; ++i) {
+                const CellZone& zone = caseFile->cellZones[i];
+                if ((gridZones == GridZones_CellsAndBoundaries || gridZones == GridZones_CellsOnly ||
+                     gridZones == GridZones_SelectedZones) &&
+                    zone.zoneType != 32 &&
+                    (zoneList == nullptr || ZorUtilSetIsMember(zoneList, zone.selectionIndex)))
+                    *zoneOffset += 1;
+            }
+            for (int32_t i = 0; i < caseFile->numFaceZones; ++i) {
+                const FaceZone& zone = caseFile->faceZones[i];
+                if ((gridZones == GridZones_CellsAndBoundaries || gridZones == GridZones_BoundariesOnly ||
+                     gridZones == GridZones_SelectedZones) &&
+                    isDisplayedBoundary(zone.boundaryType) &&
+                    (zoneList == nullptr || ZorUtilSetIsMember(zoneList, zone.selectionIndex)))
+                    *zoneOffset += 1;
+            }
+        }
+    }
+
+    if (loadOption == LoadOption_ResidualsOnly) {
+        // The residual data set is not made by this version (the load is refused ahead of the scans).
         FluentResidualsClear();
+        ZorUtilDialogErrMsg("Loading residuals is not available in this version of the Fluent loader.");
+        return false;
+    }
+
+    if (ok && isRepeatDataFile)
+        ok = CopyZonesForTimeStep(caseFile) && task->end();
+
+    const int32_t offset = zoneOffset != nullptr ? *zoneOffset : 0;
+    if (ok) {
+        ok = addDataFileVariables(solution, *dataFile, caseFile, varNameList, allPolyZones, averageToNodes,
+                                  averagingMethod, offset, false, task->createChildTask(1));
+    }
+    if (ok) {
+        if (unsteadyOption == UnsteadyOption_ReadTimeFromDataFiles) {
+            setZoneSolutionTimes(caseFile, offset, (*dataFile)->flowTime);
+            setBoundaryAuxData(caseFile);
+        } else if (unsteadyOption == UnsteadyOption_ApplyConstantTimeInterval && isRepeatDataFile) {
+            setZoneSolutionTimes(caseFile, offset, solutionTime);
+            setBoundaryAuxData(caseFile);
+        }
+    }
+
+    // Particle zones are not made by this version.
+    const bool particleFile = particleFileName != nullptr && particleFileName[0] != '\0';
+    if (ok && (zoneList != nullptr || includeParticleData || particleFile) &&
+        ((*dataFile)->numParticles > 0 || particleFile)) {
+        ZorUtilDialogErrMsg("Loading particle data is not available in this version of the Fluent loader.");
+        ok = false;
+    }
+
     ok = task->end() && ok;
     return ok;
 }

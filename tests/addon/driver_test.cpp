@@ -53,14 +53,23 @@ class DriverTest : public addontest::HostTest {
   protected:
     void SetUp() override {
         HostTest::SetUp();
+        dropDataSet();
         DeleteAllSolutions();
         casePath_ = path("square.cas");
         addontest::writeFile(casePath_, kSquareCase);
     }
     void TearDown() override {
         minihost::setInterrupt(false);
+        dropDataSet();
         DeleteAllSolutions();
         HostTest::TearDown();
+    }
+
+    // A load makes a data set: the next test starts without one, and without
+    // the purge that its removal queues.
+    static void dropDataSet() {
+        minihost::deleteDataSet();
+        minihost::runIdleQueue();
     }
 
     bool load(const std::vector<std::string>& instructions) {
@@ -229,7 +238,9 @@ TEST_F(DriverTest, ReplacingLoadPurgesARecordWhoseDataSetIsGone) {
     ASSERT_TRUE(load({"STANDARDSYNTAX", "1.0", "FILENAME_CaseFile", casePath_, "LoadOption", "CaseOnly"}));
     ASSERT_EQ(SolutionTableCount, 1);
     const uint32_t firstId = SolutionTable[0].solutionId;
-    // The first load made no data set, so its record has no data set to live for.
+    // The first load's data set goes, so its record has no data set to live for.
+    ASSERT_TRUE(ZorUtilDataSetIsAvailableByUniqueID(SolutionTable[0].datasetUniqueID));
+    minihost::deleteDataSet();
     ASSERT_TRUE(load({"STANDARDSYNTAX", "1.0", "FILENAME_CaseFile", casePath_, "LoadOption", "CaseOnly"}));
     ASSERT_EQ(SolutionTableCount, 1);
     EXPECT_EQ(findSolution(firstId), nullptr);
