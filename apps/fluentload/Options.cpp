@@ -1,6 +1,8 @@
 #include "apps/fluentload/Options.h"
 
 #include <cctype>
+#include <cerrno>
+#include <cstdlib>
 
 namespace fluentload {
 
@@ -26,6 +28,36 @@ bool isCaseName(const std::string& name) {
 bool isDataName(const std::string& name) {
     return endsWith(name, ".dat") || endsWith(name, ".dat.gz") || endsWith(name, ".fdat") ||
            endsWith(name, ".fdat.gz");
+}
+
+// A whole number in [low, high]; false for anything else.
+bool parseInt(const std::string& text, long low, long high, int* out) {
+    if (text.empty())
+        return false;
+    char* end = nullptr;
+    errno = 0;
+    long v = std::strtol(text.c_str(), &end, 10);
+    if (errno != 0 || *end != '\0' || v < low || v > high)
+        return false;
+    *out = static_cast<int>(v);
+    return true;
+}
+
+// A finite number of at least 0; false for anything else.
+bool parseNonNegative(const std::string& text, double* out) {
+    if (text.empty())
+        return false;
+    char* end = nullptr;
+    errno = 0;
+    double v = std::strtod(text.c_str(), &end);
+    if (errno != 0 || *end != '\0' || !(v >= 0.0) || v > 1e12)
+        return false;
+    *out = v;
+    return true;
+}
+
+bool endsWithExport(const std::string& name) {
+    return endsWith(name, ".vtm") || endsWith(name, ".pvd");
 }
 
 bool parseYesNo(const std::string& value, bool* out) {
@@ -61,6 +93,7 @@ const char* usageText() {
            "  --zones SET            only these zones, numbered as listed, e.g. \"1-3,5\"\n"
            "  --var NAME             load this variable (repeatable); default: all\n"
            "  --average MODE         average cell values to nodes: arithmetic or laplacian\n"
+           "                         (none: keep them cell-centred, the default)\n"
            "  --all-poly             build every zone as polygons or polyhedra\n"
            "  --particles            include particle data\n"
            "  --additional-quantities  load additional quantities of the data files\n"
@@ -73,14 +106,29 @@ const char* usageText() {
            "  --save-uncompressed yes|no  keep uncompressed copies beside .gz files\n"
            "                         (default without a terminal: no, temporary copies)\n"
            "  --overwrite yes|no     overwrite existing uncompressed copies (default: yes)\n"
-           "  --no-metadata          neither read nor write metadata files\n"
+           "  --metadata on|off      read and write metadata files beside the data (default: on)\n"
+           "  --no-metadata          the same as --metadata off\n"
            "Host:\n"
            "  --answer yes|no        answer the next yes/no question so (repeatable)\n"
            "  --batch                run as the host does in batch mode\n"
            "  --layout               run as the host does while processing a layout\n"
            "  --no-lod               the host forbids load-on-demand\n"
            "  --addon PATH           the add-on library to load\n"
+           "  --memory-budget MB     the host unloads the oldest items to keep what is loaded\n"
+           "                         under MB megabytes (reloading them when asked again)\n"
+           "After the load:\n"
+           "  --pull                 load every item of every zone through load-on-demand (node\n"
+           "                         maps, face maps, face neighbours, every variable's values),\n"
+           "                         report the time taken and each variable's range per zone\n"
+           "  --threads N            workers of --pull (default 1)\n"
+           "  -o, --output OUT.vtm   export to VTK XML files ParaView opens: a .vtu per zone in\n"
+           "                         the folder OUT/, gathered by OUT.vtm (a block per solution\n"
+           "                         time for a series)\n"
+           "  -o, --output OUT.pvd   the same as a collection, one OUT/stepN.vtm per solution time\n"
+           "  --compress             compress the VTK data with zlib\n"
            "Output:\n"
+           "  --summary-json FILE    write the data set as JSON: title, aux, variables, zones\n"
+           "                         (and, with --pull, each variable's location, min, max, sum)\n"
            "  --messages FILE        also write every message as JSON lines {\"kind\", \"text\"}\n"
            "  --no-progress          no progress bar\n"
            "  --quiet                no summary on standard output\n"
@@ -89,7 +137,8 @@ const char* usageText() {
            "  --help                 this text\n"
            "\n"
            "Every message of the add-on goes to standard error as \"KIND: TEXT\".\n"
-           "Exit status: 0 loaded, 1 the add-on refused the load, 2 usage error.\n";
+           "Exit status: 0 loaded (and pulled and exported as asked), 1 the add-on refused the\n"
+           "load or a later step failed or was interrupted, 2 usage error.\n";
 }
 
 bool parseOptions(const std::vector<std::string>& args, Options* o, std::string* error) {
@@ -132,8 +181,8 @@ bool parseOptions(const std::vector<std::string>& args, Options* o, std::string*
             if (!needValue(i, &v))
                 return false;
             v = lower(v);
-            if (v != "arithmetic" && v != "laplacian") {
-                *error = "--average takes arithmetic or laplacian";
+            if (v != "arithmetic" && v != "laplacian" && v != "none") {
+                *error = "--average takes arithmetic, laplacian or none";
                 return false;
             }
             o->averaging = v;
@@ -163,6 +212,43 @@ bool parseOptions(const std::vector<std::string>& args, Options* o, std::string*
             (a == "--overwrite" ? o->overwrite : o->saveUncompressed) = yes ? "yes" : "no";
         } else if (a == "--no-metadata") {
             o->noMetadata = true;
+        } else if (a == "--metadata") {
+            if (!needValue(i, &v))
+                return false;
+            bool on = true;
+            if (!parseYesNo(v, &on)) {
+                *error = "--metadata takes on or off";
+                return false;
+            }
+            o->noMetadata = !on;
+        } else if (a == "--summary-json") {
+            if (!needValue(i, &o->summaryJsonFile))
+                return false;
+        } else if (a == "--pull") {
+            o->pull = true;
+        } else if (a == "--threads") {
+            if (!needValue(i, &v))
+                return false;
+            if (!parseInt(v, 1, 256, &o->threads)) {
+                *error = "--threads takes a whole number from 1 to 256";
+                return false;
+            }
+        } else if (a == "-o" || a == "--output") {
+            if (!needValue(i, &o->output))
+                return false;
+            if (!endsWithExport(o->output)) {
+                *error = a + " takes a file name ending in .vtm or .pvd";
+                return false;
+            }
+        } else if (a == "--compress") {
+            o->compress = true;
+        } else if (a == "--memory-budget") {
+            if (!needValue(i, &v))
+                return false;
+            if (!parseNonNegative(v, &o->memoryBudgetMB)) {
+                *error = "--memory-budget takes a number of megabytes";
+                return false;
+            }
         } else if (a == "--answer") {
             if (!needValue(i, &v))
                 return false;
@@ -197,6 +283,10 @@ bool parseOptions(const std::vector<std::string>& args, Options* o, std::string*
     }
     if (o->help)
         return true;
+    if (o->readTimeFromData && !o->timeInterval.empty()) {
+        *error = "--read-time and --time-interval exclude each other";
+        return false;
+    }
     if (!o->haveRawInstructions && o->files.empty()) {
         *error = "no file to load";
         return false;
@@ -236,6 +326,10 @@ bool parseOptions(const std::vector<std::string>& args, Options* o, std::string*
         *error = "--residuals needs exactly one data file";
         return false;
     }
+    if (o->loadOption != "MultipleCaseAndData" && (o->readTimeFromData || !o->timeInterval.empty())) {
+        *error = "--read-time and --time-interval apply to a series of files";
+        return false;
+    }
     return true;
 }
 
@@ -273,7 +367,9 @@ std::vector<std::string> buildInstructions(const Options& o) {
             names += (i ? "\n" : "") + o.variables[i];
         add("VarNameList", names);
     }
-    if (!o.averaging.empty()) {
+    if (o.averaging == "none") {
+        add("AverageToNodes", "No");
+    } else if (!o.averaging.empty()) {
         add("AverageToNodes", "Yes");
         add("AveragingMethod", o.averaging == "laplacian" ? "Laplacian" : "Arithmetic");
     }

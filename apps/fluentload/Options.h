@@ -14,14 +14,14 @@ struct Options {
     std::string gridZones;                     // "", or a GridZones value
     std::string zoneList;                      // --zones: a set string such as "1-3,5"
     std::vector<std::string> variables;        // --var, repeatable: names to load
-    std::string averaging;                     // "", "arithmetic" or "laplacian"
+    std::string averaging;                     // "", "none", "arithmetic" or "laplacian"
     bool allPoly = false;                      // --all-poly
     bool particles = false;                    // --particles
     std::string timeInterval;                  // --time-interval T: constant interval
     bool readTimeFromData = false;             // --read-time
     bool assignStrands = false;                // --strands
     bool addToExistingStrands = false;         // --existing-strands
-    bool noMetadata = false;                   // --no-metadata
+    bool noMetadata = false;                   // --no-metadata, --metadata off
     bool additionalQuantities = false;         // --additional-quantities
     std::string saveUncompressed;              // "", "yes" or "no"
     std::string overwrite;                     // "", "yes" or "no"
@@ -32,6 +32,12 @@ struct Options {
     bool quiet = false;                        // --quiet: no summary on standard output
     bool noLOD = false;                        // --no-lod: the host forbids load-on-demand
     std::string messagesFile;                  // --messages FILE
+    std::string summaryJsonFile;               // --summary-json FILE: the data set as JSON
+    bool pull = false;                         // --pull: load every item through load-on-demand
+    int threads = 1;                           // --threads N: workers of the pull, 1 to 256
+    std::string output;                        // -o FILE: export to FILE.vtm or FILE.pvd
+    bool compress = false;                     // --compress: zlib-compressed VTK data
+    double memoryBudgetMB = 0.0;               // --memory-budget MB: 0 for none
     std::string addonPath;                     // --addon PATH
     bool help = false;                         // --help
 };
