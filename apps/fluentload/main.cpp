@@ -10,8 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "apps/fluentload/HostItems.h"
 #include "apps/fluentload/Json.h"
 #include "apps/fluentload/Options.h"
+#include "apps/fluentload/Session.h"
 #include "host/ZorUtil.h"
 #include "minihost/MiniHost.h"
 
@@ -91,6 +93,12 @@ int main(int argc, char** argv) {
     minihost::setBatchMode(options.batch);
     minihost::setProcessingLayout(options.layout);
     minihost::setLoadOnDemandAllowed(!options.noLOD);
+    if (options.memoryBudgetMB > 0.0) {
+        minihost::setMemoryBudget(static_cast<size_t>(options.memoryBudgetMB * 1024.0 * 1024.0));
+        // The budget may unload an item between one thread's request and its
+        // reading: requests and copies then go one at a time.
+        fluentload::setRequestsSerialized(true);
+    }
     for (bool answer : options.answers)
         minihost::pushAnswer(answer);
     if (!options.overwrite.empty())
@@ -111,24 +119,18 @@ int main(int argc, char** argv) {
     const std::vector<std::string> instructions = fluentload::buildInstructions(options);
     const bool loaded = minihost::invokeLoader(kLoaderName, instructions);
 
-    int status = loaded ? 0 : 1;
+    int status = 1;
+    if (loaded) {
+        status = fluentload::afterLoad(options);
+    } else if (minihost::interruptRequested()) {
+        std::fprintf(stderr, "fluentload: interrupted\n");
+    }
+    // The host quits: the data set goes (every item's cleanup runs), then the
+    // add-on hears that the program ends.
+    minihost::shutdown();
     if (!options.messagesFile.empty() && !writeMessagesFile(options.messagesFile, minihost::messages())) {
         std::fprintf(stderr, "fluentload: cannot write %s\n", options.messagesFile.c_str());
         status = status == 0 ? 1 : status;
     }
-    if (!loaded) {
-        if (minihost::interruptRequested())
-            std::fprintf(stderr, "fluentload: interrupted\n");
-        return status;
-    }
-    if (!options.quiet) {
-        {
-            std::printf(
-                "The files were scanned; this version of the loader builds no zones yet, so no data set "
-                "was made.\n");
-        }
-    }
-    // Tell the add-on that the program ends, as the host does when it quits.
-    minihost::notifyStateChange(ZorStateChange_QuitProgram);
     return status;
 }

@@ -1,0 +1,168 @@
+#include "apps/fluentload/HostItems.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <mutex>
+
+#include "host/ZorData.h"
+
+namespace fluentload {
+
+namespace {
+
+std::atomic<bool> serialized{false};
+std::mutex requestMutex;
+
+// Holds the request lock while requests are serialized.
+class RequestGuard {
+  public:
+    RequestGuard() : lock_(requestMutex, std::defer_lock) {
+        if (serialized.load())
+            lock_.lock();
+    }
+
+  private:
+    std::unique_lock<std::mutex> lock_;
+};
+
+size_t bytesOf(int32_t type) {
+    switch (type) {
+        case ZorFieldDataType_Double:
+            return 8;
+        case ZorFieldDataType_Float:
+        case ZorFieldDataType_Int32:
+            return 4;
+        case ZorFieldDataType_Int16:
+            return 2;
+        case ZorFieldDataType_Byte:
+        case ZorFieldDataType_Bit:
+            return 1;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+void setRequestsSerialized(bool on) {
+    serialized.store(on);
+}
+
+double Values::at(int64_t i) const {
+    const unsigned char* p = bytes.data() + static_cast<size_t>(i) * bytesOf(type);
+    switch (type) {
+        case ZorFieldDataType_Double: {
+            double v;
+            std::memcpy(&v, p, 8);
+            return v;
+        }
+        case ZorFieldDataType_Float: {
+            float v;
+            std::memcpy(&v, p, 4);
+            return v;
+        }
+        case ZorFieldDataType_Int32: {
+            int32_t v;
+            std::memcpy(&v, p, 4);
+            return v;
+        }
+        case ZorFieldDataType_Int16: {
+            int16_t v;
+            std::memcpy(&v, p, 2);
+            return v;
+        }
+        default:
+            return *p;
+    }
+}
+
+bool fetchValues(ZorIndex zone, ZorIndex var, Values* out) {
+    RequestGuard guard;
+    ZorFieldData data = ZorUtilDataValueGetReadableDerivedRef(zone, var);
+    if (data == nullptr)
+        return false;
+    out->type = ZorUtilDataValueGetRefType(data);
+    out->location = ZorUtilDataValueGetLocationByRef(data);
+    out->count = ZorUtilDataValueGetCountByRef(data);
+    size_t size = bytesOf(out->type);
+    if (size == 0)
+        return false;
+    out->bytes.assign(static_cast<size_t>(out->count) * size, 0);
+    if (out->count == 0)
+        return true;
+    if (out->type == ZorFieldDataType_Bit) {
+        // No raw layout is promised for bits: one byte per value, read one by one.
+        for (ZorIndex p = 1; p <= out->count; ++p)
+            out->bytes[static_cast<size_t>(p - 1)] = ZorUtilDataValueGetByRef(data, p) != 0.0 ? 1 : 0;
+        return true;
+    }
+    if (const void* raw = ZorUtilDataValueGetReadableRawPtr(data)) {
+        std::memcpy(out->bytes.data(), raw, out->bytes.size());
+    } else {
+        ZorUtilDataValueArrayGetByRef(data, 1, out->count, out->bytes.data());
+    }
+    return true;
+}
+
+bool fetchNodeMap(ZorIndex zone, int64_t* nodesPerElement, std::vector<int64_t>* nodes) {
+    RequestGuard guard;
+    ZorNodeMap map = ZorUtilDataNodeGetReadableRef(zone);
+    if (map == nullptr)
+        return false;
+    const int64_t corners = ZorUtilDataNodeGetNodesPerElem(map);
+    const int64_t elements = ZorUtilDataNodeGetNumElems(map);
+    const size_t slots = static_cast<size_t>(corners * elements);
+    *nodesPerElement = corners;
+    nodes->resize(slots);
+    if (slots == 0)
+        return true;
+    if (const void* raw = ZorUtilDataNodeGetRawPtrByRef(map)) {
+        if (ZorUtilDataNodeGetRawItemType(map) == ZorRawItemType_Int64) {
+            std::memcpy(nodes->data(), raw, slots * 8);
+        } else {
+            const int32_t* narrow = static_cast<const int32_t*>(raw);
+            for (size_t i = 0; i < slots; ++i)
+                (*nodes)[i] = narrow[i];
+        }
+        return true;
+    }
+    // Without a raw pointer: one-based numbers through the copying getter, in chunks.
+    std::vector<int32_t> chunk(1u << 16);
+    for (size_t from = 0; from < slots; from += chunk.size()) {
+        size_t n = std::min(chunk.size(), slots - from);
+        ZorUtilDataNodeArrayGetByRef(map, static_cast<ZorIndex>(from + 1), static_cast<ZorIndex>(n),
+                                     chunk.data());
+        for (size_t i = 0; i < n; ++i)
+            (*nodes)[from + i] = static_cast<int64_t>(chunk[i]) - 1;
+    }
+    return true;
+}
+
+bool fetchFaceMap(ZorIndex zone, PolyFaces* faces) {
+    RequestGuard guard;
+    ZorFaceMap map = ZorUtilDataFaceMapGetReadableRef(zone);
+    if (map == nullptr)
+        return false;
+    const ZorIndex numFaces = ZorUtilDataFaceMapGetNFaces(map);
+    faces->start.assign(1, 0);
+    faces->nodes.clear();
+    faces->left.resize(static_cast<size_t>(numFaces));
+    faces->right.resize(static_cast<size_t>(numFaces));
+    for (ZorIndex f = 1; f <= numFaces; ++f) {
+        ZorIndex n = ZorUtilDataFaceMapGetNFaceNodes(map, f);
+        for (ZorIndex k = 1; k <= n; ++k)
+            faces->nodes.push_back(ZorUtilDataFaceMapGetFaceNode(map, f, k) - 1);
+        faces->start.push_back(static_cast<int64_t>(faces->nodes.size()));
+        faces->left[static_cast<size_t>(f - 1)] = ZorUtilDataFaceMapGetLeftElem(map, f);
+        faces->right[static_cast<size_t>(f - 1)] = ZorUtilDataFaceMapGetRightElem(map, f);
+    }
+    return true;
+}
+
+bool loadFaceNeighbors(ZorIndex zone) {
+    RequestGuard guard;
+    return ZorUtilDataFaceNbrGetReadableRef(zone) != nullptr;
+}
+
+}  // namespace fluentload
