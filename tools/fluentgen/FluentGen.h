@@ -325,7 +325,7 @@ class Model {
 
 struct WrittenFiles {
     std::vector<std::string> caseFiles;  // one, or one per step with series.casePerStep
-    std::vector<std::string> dataFiles;  // one per step; empty when the spec has no data
+    std::vector<std::string> dataFiles;  // one per step; empty when the Spec asks for no data
     std::string xmlFile;                 // empty unless xml.enabled
 };
 

@@ -64,7 +64,7 @@ class Mesh {
     // `childFaces`, a Child Faces (62) pairing each copy with its original.
     void addDuplicateZone(size_t original, int bcType, const std::string& name, bool childFaces,
                           int64_t offset = 0, int64_t count = -1);
-    // Gives each zone its name section by the spec's naming rule.
+    // Gives each zone its name section by the naming rule of the Spec.
     void nameZones(ZoneNames naming);
     struct Copy {
         int original = -1;   // index of the face zone copied, -1: not a copy

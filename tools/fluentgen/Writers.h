@@ -8,7 +8,7 @@
 namespace fluentgen {
 namespace detail {
 
-// Section id offsets of the spec's encoding.
+// Section id offsets of the encoding of a Spec.
 struct Families {
     bool ascii = false;
     int ints = 0;                       // cells, faces, trees, pairs, partitions: 0, 2000 or 3000

@@ -454,7 +454,7 @@ int main(int argc, char** argv) {
     Options o;
     try {
         o = parse(argc, argv);
-        fluentgen::Model check(o.spec);  // validates the spec before anything is written
+        fluentgen::Model check(o.spec);  // validates the Spec before anything is written
     } catch (const UsageError& e) {
         std::cerr << "fluentgen: " << e.what() << "\n(fluentgen --help shows the options)\n";
         return 2;
