@@ -111,6 +111,20 @@ TEST(FluentGenFiles, MeshKindsHaveTheirCellTypes) {
     }
     EXPECT_EQ(t3, (std::set<int>{2, 4, 5, 6}));
     EXPECT_EQ(mixed.cellZones()[0].elementType, 0);
+    // One or two layers: the cut changes by column, and all four shapes still appear.
+    for (std::array<int, 3> c :
+         {std::array<int, 3>{3, 1, 1}, std::array<int, 3>{2, 2, 2}, std::array<int, 3>{4, 3, 2}}) {
+        Spec s = smallSpec(MeshKind::Mixed);
+        s.cells = c;
+        Model few(s);
+        std::set<int> t;
+        for (int64_t cell = 1; cell <= few.cellCount(); ++cell) {
+            t.insert(few.cellType(cell));
+        }
+        EXPECT_EQ(t, (std::set<int>{2, 4, 5, 6})) << c[0] << "x" << c[1] << "x" << c[2];
+        checkCase(s);
+        checkData(s);
+    }
     Model mixed2(smallSpec(MeshKind::Mixed2D));
     std::set<int> t2;
     for (int64_t c = 1; c <= mixed2.cellCount(); ++c) {

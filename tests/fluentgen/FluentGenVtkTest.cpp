@@ -305,6 +305,15 @@ TEST(FluentGenVtk, HangingNodesZonesExtrasAndFormVariants) {
                 {"hanging-extra-" + kindName(k) + "-" + std::to_string(static_cast<int>(e)), x});
         }
     }
+    for (std::array<int, 3> c : {std::array<int, 3>{4, 2, 2}, std::array<int, 3>{3, 3, 1}}) {
+        for (Encoding e : {Encoding::Ascii, Encoding::BinaryMixed}) {
+            Spec s = base(MeshKind::Mixed);
+            s.cells = c;
+            s.encoding = e;
+            variants.push_back(
+                {"mixed-columns-" + std::to_string(c[2]) + "-" + std::to_string(static_cast<int>(e)), s});
+        }
+    }
     for (MeshKind k : {MeshKind::Hex, MeshKind::Tet, MeshKind::Polyhedral, MeshKind::Quad, MeshKind::Tri}) {
         for (Encoding e : {Encoding::Ascii, Encoding::BinarySingle}) {
             Spec s = base(k);

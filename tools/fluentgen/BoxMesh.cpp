@@ -301,6 +301,22 @@ Template transitionTemplate() {
     return b.build();
 }
 
+// The transition turned upside down: the bottom split along 0-2 into two
+// tetrahedra, pyramids on the top and the sides.
+Template flippedTransitionTemplate() {
+    TemplateBuilder b(3);
+    auto v = corners(b);
+    int c = b.centre();
+    b.cell(5, {v[4], v[7], v[6], v[5], c});
+    b.cell(5, {v[0], v[4], v[5], v[1], c});
+    b.cell(5, {v[1], v[5], v[6], v[2], c});
+    b.cell(5, {v[2], v[6], v[7], v[3], c});
+    b.cell(5, {v[3], v[7], v[4], v[0], c});
+    b.cell(2, {v[0], v[2], v[1], c});
+    b.cell(2, {v[0], v[3], v[2], c});
+    return b.build();
+}
+
 // A hexahedron with nodes in the middle of its four x-edges: two quadrilateral
 // and four hexagonal faces.
 Template polyhedronTemplate() {
@@ -363,12 +379,21 @@ class BoxMesh : public Mesh {
         int i, j, k;
     };
 
+    // The template of a block: by layer, by checkerboard, or (one or two
+    // layers of mixed cells) by column along x. It repeats along x with
+    // period_ blocks.
     int tmplOf(int i, int j, int k) const {
-        if (parity_) {
+        if (period_ == 2) {
             return (i + j) % 2;
+        }
+        if (period_ == 3) {
+            static const int columns[3][2] = {{6, 0}, {5, 5}, {0, 0}};
+            return columns[i % 3][k > 0 ? 1 : 0];
         }
         return layerTmpl_[static_cast<size_t>(k)];
     }
+    int64_t cellsOf(int i, int j, int k) const { return static_cast<int64_t>(tmpl(i, j, k).cells.size()); }
+    int64_t centreRank(int i, int k) const;  // blocks with a centre node before block i of a row
     const Template& tmpl(int i, int j, int k) const { return tmpls_[static_cast<size_t>(tmplOf(i, j, k))]; }
     int64_t gridId(int i, int j, int k) const {
         return 1 + i + int64_t(nx_ + 1) * (j + int64_t(ny_ + 1) * k);
@@ -388,11 +413,12 @@ class BoxMesh : public Mesh {
     double h_[3], o_[3];
     std::vector<Template> tmpls_;
     std::vector<int> layerTmpl_;
-    bool parity_ = false;
+    int period_ = 1;
     std::vector<int> xs_;                        // slab s covers blocks xs_[s] .. xs_[s+1]-1
     std::vector<int64_t> slabBase_;              // cells before slab s
     std::vector<std::vector<int64_t>> rowBase_;  // per slab, cells before row (j, k) in the slab
-    std::vector<int64_t> layerCentreBase_;       // per layer, centres before it (-1: no centres)
+    std::vector<int64_t> layerCentreBase_;       // per layer, centres before it
+    std::vector<int64_t> rowCentres_;            // per layer, centre nodes in a row of blocks
     int64_t gridCount_ = 0, centreCount_ = 0, centreBase_ = 0, xmidBase_ = 0, xmidCount_ = 0;
     std::vector<ZoneSource> sources_;
     // match_[(ta * T + tb) * 3 + axis][f]: face of tb's low side matching face f of ta's high side
@@ -437,8 +463,9 @@ BoxMesh::BoxMesh(const Spec& spec) : spec_(spec) {
         case MeshKind::Mixed:
             // Layers: hexahedra, wedges (along x), pyramids, transition, then
             // tetrahedra and wedges (along z) in turn.
-            tmpls_ = {hexTemplate(),        wedgeXTemplate(), pyramidTemplate(),
-                      transitionTemplate(), tetTemplate(),    wedgeZTemplate()};
+            tmpls_ = {hexTemplate(), wedgeXTemplate(), pyramidTemplate(),          transitionTemplate(),
+                      tetTemplate(), wedgeZTemplate(), flippedTransitionTemplate()};
+            period_ = nz_ <= 2 ? 3 : 1;
             break;
         case MeshKind::Polyhedral:
             tmpls_ = {polyhedronTemplate()};
@@ -451,7 +478,7 @@ BoxMesh::BoxMesh(const Spec& spec) : spec_(spec) {
             break;
         case MeshKind::Mixed2D:
             tmpls_ = {quadTemplate(), triTemplate()};
-            parity_ = true;
+            period_ = 2;
             break;
         case MeshKind::Polygonal:
             tmpls_ = {polygonTemplate()};
@@ -459,16 +486,20 @@ BoxMesh::BoxMesh(const Spec& spec) : spec_(spec) {
     }
     layerTmpl_.resize(static_cast<size_t>(nz_), 0);
     if (spec.mesh == MeshKind::Mixed) {
+        // Layers: tetrahedra and pyramids (the flipped transition), hexahedra,
+        // wedges along x, pyramids, the transition, then tetrahedra and wedges
+        // along z in turn; each layer's top matches the next one's bottom.
+        static const int first[5] = {6, 0, 1, 2, 3};
         for (int k = 0; k < nz_; ++k) {
-            layerTmpl_[static_cast<size_t>(k)] = k < 4 ? k : (k % 2 == 0 ? 4 : 5);
+            layerTmpl_[static_cast<size_t>(k)] = k < 5 ? first[k] : (k % 2 == 1 ? 4 : 5);
         }
     }
 
     // Matching faces of every pair of templates that meet.
     match_.resize(tmpls_.size() * tmpls_.size() * 3);
     for (int k = 0; k < nz_; ++k) {
-        for (int j = 0; j < (parity_ ? std::min(ny_, 2) : 1); ++j) {
-            for (int i = 0; i < std::min(nx_, 2); ++i) {
+        for (int j = 0; j < std::min(ny_, 2); ++j) {
+            for (int i = 0; i < std::min(nx_, 3); ++i) {
                 int t = tmplOf(i, j, k);
                 makeMatch(t, tmplOf(i + 1, j, k), 0);
                 makeMatch(tmplOf(nx_ - 1, j, k), tmplOf(0, j, k), 0);  // periodic x sides
@@ -493,14 +524,12 @@ BoxMesh::BoxMesh(const Spec& spec) : spec_(spec) {
     // Nodes.
     gridCount_ = int64_t(nx_ + 1) * (ny_ + 1) * (dims == 3 ? nz_ + 1 : 1);
     centreBase_ = gridCount_;
-    layerCentreBase_.assign(static_cast<size_t>(nz_), -1);
-    if (!parity_) {
-        for (int k = 0; k < nz_; ++k) {
-            if (tmpls_[static_cast<size_t>(layerTmpl_[static_cast<size_t>(k)])].hasCentre) {
-                layerCentreBase_[static_cast<size_t>(k)] = centreCount_;
-                centreCount_ += int64_t(nx_) * ny_;
-            }
-        }
+    layerCentreBase_.assign(static_cast<size_t>(nz_), 0);
+    rowCentres_.assign(static_cast<size_t>(nz_), 0);
+    for (int k = 0; k < nz_; ++k) {
+        layerCentreBase_[static_cast<size_t>(k)] = centreCount_;
+        rowCentres_[static_cast<size_t>(k)] = centreRank(nx_, k);
+        centreCount_ += rowCentres_[static_cast<size_t>(k)] * ny_;
     }
     xmidBase_ = centreBase_ + centreCount_;
     if (tmpls_[0].hasXMid) {
@@ -534,8 +563,8 @@ BoxMesh::BoxMesh(const Spec& spec) : spec_(spec) {
         rowBase_.push_back(rows);
         std::set<int> types;
         for (int k = 0; k < nz_; ++k) {
-            for (int j = 0; j < (parity_ ? std::min(ny_, 2) : 1); ++j) {
-                for (int i = xs_[s]; i < std::min(xs_[s + 1], xs_[s] + 2); ++i) {
+            for (int j = 0; j < std::min(ny_, 2); ++j) {
+                for (int i = xs_[s]; i < std::min(xs_[s + 1], xs_[s] + 3); ++i) {
                     const Template& t = tmpl(i, j, k);
                     types.insert(t.types.begin(), t.types.end());
                 }
@@ -668,16 +697,36 @@ BoxMesh::BoxMesh(const Spec& spec) : spec_(spec) {
 }
 
 int64_t BoxMesh::blockCellBaseInRow(int slab, int i, int j, int k) const {
+    // The templates of a row repeat with period_ blocks from its start.
     int x0 = xs_[static_cast<size_t>(slab)];
     int64_t n = i - x0;
-    if (!parity_) {
-        return n * static_cast<int64_t>(tmpl(x0, j, k).cells.size());
+    if (period_ == 1) {
+        return n * cellsOf(x0, j, k);
     }
-    // Checkerboard: blocks with (i + j) even have the first template.
-    int64_t even = (x0 + j) % 2 == 0 ? (n + 1) / 2 : n / 2;  // blocks of template 0 among the n
-    int64_t odd = n - even;
-    return even * static_cast<int64_t>(tmpls_[0].cells.size()) +
-           odd * static_cast<int64_t>(tmpls_[1].cells.size());
+    int64_t perPeriod = 0;
+    for (int q = 0; q < period_; ++q) {
+        perPeriod += cellsOf(x0 + q, j, k);
+    }
+    int64_t sum = n / period_ * perPeriod;
+    for (int q = 0; q < n % period_; ++q) {
+        sum += cellsOf(x0 + q, j, k);
+    }
+    return sum;
+}
+
+int64_t BoxMesh::centreRank(int i, int k) const {
+    if (dims == 2) {
+        return 0;
+    }
+    int64_t perPeriod = 0;
+    for (int q = 0; q < period_; ++q) {
+        perPeriod += tmpl(q, 0, k).hasCentre ? 1 : 0;
+    }
+    int64_t rank = int64_t(i / period_) * perPeriod;
+    for (int q = 0; q < i % period_; ++q) {
+        rank += tmpl(q, 0, k).hasCentre ? 1 : 0;
+    }
+    return rank;
 }
 
 int64_t BoxMesh::blockCellBase(int slab, int i, int j, int k) const {
@@ -691,7 +740,8 @@ int64_t BoxMesh::vertexId(const TVert& v, int i, int j, int k) const {
         case kCorner:
             return gridId(i + v.a, j + v.b, k + v.c);
         case kCentre:
-            return centreBase_ + layerCentreBase_[static_cast<size_t>(k)] + int64_t(j) * nx_ + i + 1;
+            return centreBase_ + layerCentreBase_[static_cast<size_t>(k)] +
+                   int64_t(j) * rowCentres_[static_cast<size_t>(k)] + centreRank(i, k) + 1;
         case kXMid:
             return xmidBase_ + 1 + i + int64_t(nx_) * ((j + v.b) + int64_t(ny_ + 1) * (k + v.c));
     }
@@ -712,12 +762,18 @@ Vec3 BoxMesh::node(int64_t id) const {
     } else if (m < xmidBase_) {
         m -= centreBase_;
         int k = nz_ - 1;
-        while (layerCentreBase_[static_cast<size_t>(k)] < 0 || layerCentreBase_[static_cast<size_t>(k)] > m) {
+        while (rowCentres_[static_cast<size_t>(k)] == 0 || layerCentreBase_[static_cast<size_t>(k)] > m) {
             --k;
         }
         m -= layerCentreBase_[static_cast<size_t>(k)];
-        p[0] = double(m % nx_) + 0.5;
-        p[1] = double(m / nx_) + 0.5;
+        int64_t perRow = rowCentres_[static_cast<size_t>(k)];
+        int64_t rank = m % perRow;
+        int i = 0;
+        while (!tmpl(i, 0, k).hasCentre || centreRank(i, k) != rank) {
+            ++i;
+        }
+        p[0] = double(i) + 0.5;
+        p[1] = double(m / perRow) + 0.5;
         p[2] = double(k) + 0.5;
     } else {
         m -= xmidBase_;
@@ -759,20 +815,25 @@ void BoxMesh::nodes(int64_t first, int64_t last, NodeVisitor& v) const {
             }
         }
     }
-    // Block centres, layer by layer, x fastest.
+    // Block centres, layer by layer, row by row, x fastest.
+    int64_t cur = centreBase_ + 1;
     for (int k = 0; k < nz_ && id <= last && id <= xmidBase_; ++k) {
-        int64_t lb = layerCentreBase_[static_cast<size_t>(k)];
-        if (lb < 0) {
+        int64_t perRow = rowCentres_[static_cast<size_t>(k)];
+        if (cur + perRow * ny_ <= id) {
+            cur += perRow * ny_;  // the whole layer lies before the range
             continue;
         }
-        int64_t layerFirst = centreBase_ + lb + 1, layerLast = layerFirst + int64_t(nx_) * ny_ - 1;
-        if (id > layerLast) {
-            continue;
-        }
-        for (; id <= std::min(last, layerLast); ++id) {
-            int64_t m = id - layerFirst;
-            v.node({o_[0] + (double(m % nx_) + 0.5) * h_[0], o_[1] + (double(m / nx_) + 0.5) * h_[1],
-                    o_[2] + (k + 0.5) * h_[2]});
+        for (int j = 0; j < ny_ && id <= last; ++j) {
+            for (int i = 0; i < nx_ && id <= last; ++i) {
+                if (!tmpl(i, j, k).hasCentre) {
+                    continue;
+                }
+                if (cur == id) {
+                    v.node({o_[0] + (i + 0.5) * h_[0], o_[1] + (j + 0.5) * h_[1], o_[2] + (k + 0.5) * h_[2]});
+                    ++id;
+                }
+                ++cur;
+            }
         }
     }
     // Middles of x-edges.
@@ -801,7 +862,7 @@ bool BoxMesh::locateCell(int64_t cell, int& i, int& j, int& k, int& local) const
     int64_t inRow = inSlab - rows[r];
     for (i = xs_[s]; i < xs_[s + 1]; ++i) {
         int64_t n = static_cast<int64_t>(tmpl(i, j, k).cells.size());
-        if (!parity_) {
+        if (period_ == 1) {
             int64_t skip = inRow / n;
             i += static_cast<int>(skip);
             inRow -= skip * n;
@@ -958,7 +1019,7 @@ int64_t BoxMesh::countFaces(const ZoneSource& z, int& sizeMask) const {
         for (int k = 0; k < nz_; ++k) {
             for (int j = 0; j < ny_; ++j) {
                 // Without the checkerboard a row has one template: count it at once.
-                int step = parity_ ? 1 : (x1 - x0);
+                int step = period_ == 1 ? (x1 - x0) : 1;
                 for (int i = x0; i < x1; i += step) {
                     const Template& t = tmpl(i, j, k);
                     int64_t w = step;

@@ -42,10 +42,11 @@ struct Vec3 {
 // Cell shapes of the box. The 3D box is cut into blocks of nx*ny*nz; each block
 // becomes one hexahedron, six tetrahedra, two wedges or six pyramids (around a
 // node at the block centre); `Mixed` uses a different cut per layer of blocks
-// along z (hexahedra, wedges, pyramids, a pyramid/tetrahedron transition, then
-// tetrahedra and wedges alternating), conforming across layers, in one mixed
-// cell zone. `Polyhedral` gives each block extra nodes in the middle of its
-// x-edges, so that four faces are hexagons and the cell a polyhedron. The 2D
+// along z (tetrahedra with pyramids, hexahedra, wedges, pyramids, pyramids with
+// tetrahedra, then tetrahedra and wedges alternating), conforming across
+// layers, in one mixed cell zone; with one or two layers the cut changes by
+// column along x instead. All four shapes appear with nz >= 3, or nx >= 3. `Polyhedral` gives each block
+// extra nodes in the middle of its x-edges, so that four faces are hexagons and the cell a polyhedron. The 2D
 // kinds do the same on nx*ny squares: quadrilaterals, two triangles each,
 // quadrilaterals and triangles in a checkerboard, or hexagonal polygons.
 enum class MeshKind { Hex, Tet, Wedge, Pyramid, Mixed, Polyhedral, Quad, Tri, Mixed2D, Polygonal };
