@@ -459,7 +459,7 @@ void writeDataFile(const Spec& spec, int step, const std::string& path) {
 
 void writeXmlFile(const Spec& spec, const std::string& path) {
     detail::validate(spec);
-    auto sink = detail::openFileSink(path, level(spec));
+    auto sink = detail::openFileSink(path, 0);  // XML files are read as they are: never compressed
     xmlTo(spec, *sink);
 }
 
@@ -482,7 +482,7 @@ std::string dataText(const Spec& spec, int step) {
 std::string xmlText(const Spec& spec) {
     detail::validate(spec);
     std::string s;
-    auto sink = detail::openStringSink(s, level(spec));
+    auto sink = detail::openStringSink(s, 0);
     xmlTo(spec, *sink);
     return s;
 }
@@ -507,7 +507,7 @@ WrittenFiles writeFiles(const Spec& spec, const std::string& directory, const st
         }
     }
     if (spec.xml.enabled) {
-        files.xmlFile = base + ".xml" + gz;
+        files.xmlFile = base + ".xml";
     }
     for (const std::string& c : files.caseFiles) {
         auto sink = detail::openFileSink(c, level(spec));
@@ -518,7 +518,7 @@ WrittenFiles writeFiles(const Spec& spec, const std::string& directory, const st
         dataTo(spec, mesh, static_cast<int>(s), *sink);
     }
     if (!files.xmlFile.empty()) {
-        auto sink = detail::openFileSink(files.xmlFile, level(spec));
+        auto sink = detail::openFileSink(files.xmlFile, 0);
         xmlTo(spec, *sink);
     }
     return files;

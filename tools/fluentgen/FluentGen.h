@@ -333,11 +333,12 @@ struct WrittenFiles {
 // Writes DIR/BASE.cas (.gz), DIR/BASE.dat or, for a series, DIR/BASE-00000.dat
 // ... (and DIR/BASE-00000.cas ... with casePerStep), and DIR/BASE.xml.
 WrittenFiles writeFiles(const Spec& spec, const std::string& directory, const std::string& baseName);
-// One file, at exactly this path; gzip-compressed when spec.gzip.
+// One file, at exactly this path; case and data files gzip-compressed when
+// Spec::gzip (XML files never).
 void writeCaseFile(const Spec& spec, const std::string& path);
 void writeDataFile(const Spec& spec, int step, const std::string& path);
 void writeXmlFile(const Spec& spec, const std::string& path);
-// The bytes those functions write (compressed when spec.gzip).
+// The bytes those functions write.
 std::string caseText(const Spec& spec);
 std::string dataText(const Spec& spec, int step = 0);
 std::string xmlText(const Spec& spec);

@@ -51,7 +51,7 @@ const char* kUsage =
     "                         data sections alternating)\n"
     "  --byte-order B         little (default) or big\n"
     "  --int-size N           4 (default) or 8\n"
-    "  --gzip[=LEVEL]         compress every file (level 1-9, default 6)\n"
+    "  --gzip[=LEVEL]         compress the case and data files (level 1-9, default 6)\n"
     "\n"
     "Case variables:\n"
     "  --species A,B,...      species names\n"
