@@ -74,7 +74,7 @@ std::pair<int64_t, int64_t> Mesh::pair(size_t pairsIndex, int64_t k) const {
 void Mesh::addDuplicateZone(size_t original, int bcType, const std::string& name, bool childFaces,
                             int64_t offset, int64_t count) {
     dupOf_.resize(faceZones.size());
-    const FaceZoneInfo& o = faceZones[original];
+    const FaceZoneInfo o = faceZones[original];  // a copy: faceZones grows below
     if (count < 0) {
         count = o.last - o.first + 1 - offset;
     }
