@@ -567,9 +567,11 @@ bool AddDataToZorvaneGridZones(FluentSolution* solution, const DataFieldRef* fie
             }
             if (!ZorUtilDataValueCustomLOD(zoneNumber, var, fieldVarLoad, fieldVarUnload, fieldVarCleanup,
                                            nullptr, nullptr, reinterpret_cast<ZorArbParam>(clientData))) {
+                // Two fields of one zone under one name (Fluent has several ids
+                // for some quantities): the variable keeps the first field's loader.
                 ValueClientDataFree(clientData);
-                ok = false;
-                break;
+                ok = task->end();
+                continue;
             }
             if (fromMetadata && field->minima != nullptr && field->maxima != nullptr &&
                 field->minima[component] <= field->maxima[component]) {
