@@ -60,8 +60,9 @@ int32_t cornersOf(int32_t zoneType) {
     }
 }
 
-// A VTK array holding values of the host's type, picked by `index` when given.
-VtkArray arrayOf(const std::string& name, const Values& values, const std::vector<int64_t>* index) {
+// A VTK array holding values of the host's type, picked by `index` when
+// given; without an index the values' bytes move into the array.
+VtkArray arrayOf(const std::string& name, Values& values, const std::vector<int64_t>* index) {
     VtkArray array;
     array.name = name;
     size_t size = 0;
@@ -89,7 +90,7 @@ VtkArray arrayOf(const std::string& name, const Values& values, const std::vecto
     }
     if (index == nullptr) {
         array.tuples = values.count;
-        array.bytes = values.bytes;
+        array.bytes = std::move(values.bytes);
         return array;
     }
     array.tuples = static_cast<int64_t>(index->size());
@@ -188,7 +189,8 @@ bool isExportName(const std::string& output) {
     return ext == ".vtm" || ext == ".pvd";
 }
 
-bool zoneGrid(const DataSetInfo& info, size_t zoneIndex, VtkGrid* grid, std::string* error) {
+bool zoneGrid(const DataSetInfo& info, size_t zoneIndex, VtkGrid* grid, std::string* error,
+              std::vector<std::string>* problems) {
     const ZoneInfo& z = info.zones[zoneIndex];
     const Coordinates coords = coordinatesOf(info);
     const int64_t numPoints = z.points();
@@ -259,6 +261,9 @@ bool zoneGrid(const DataSetInfo& info, size_t zoneIndex, VtkGrid* grid, std::str
                 return false;
             }
         }
+        grid->cells.connectivity.reserve(nodes.size());
+        grid->cells.offsets.reserve(static_cast<size_t>(z.elements()));
+        grid->cells.types.reserve(static_cast<size_t>(z.elements()));
         VtkCell cell;
         for (int64_t e = 0; e < z.elements(); ++e) {
             classicCell(z.type, &nodes[static_cast<size_t>(e * corners)], xyz.data(), &cell);
@@ -294,8 +299,9 @@ bool zoneGrid(const DataSetInfo& info, size_t zoneIndex, VtkGrid* grid, std::str
         if (var == coords.var[0] || var == coords.var[1] || var == coords.var[2])
             continue;
         if (!fetchValues(z.number, var, &values)) {
-            *error = "cannot load variable " + info.variables[v].name + " of " + zoneText(z);
-            return false;
+            problems->push_back("cannot load variable " + info.variables[v].name + " of " + zoneText(z) +
+                                "; it is left out of the export");
+            continue;
         }
         std::string name = info.variables[v].name;
         int seen = ++names[name];
@@ -380,8 +386,17 @@ bool exportDataSet(const DataSetInfo& info, const std::string& output, const Vtk
         if (progress != nullptr)
             progress->setText("Writing zone " + std::to_string(zone.number) + " of " +
                               std::to_string(info.zones.size()) + ": " + zone.name);
-        if (!zoneGrid(info, z, &grid, error))
-            return false;
+        std::string why;
+        if (!zoneGrid(info, z, &grid, &why, &report->problems)) {
+            report->problems.push_back(why + "; the zone is left out of the export");
+            zoneFiles[z].clear();
+            if (progress != nullptr && !progress->end()) {
+                report->interrupted = true;
+                *error = "interrupted";
+                return false;
+            }
+            continue;
+        }
         const fs::path file = folder / zoneFiles[z];
         if (!writeVtu(file.string(), grid, options, error))
             return false;
@@ -397,8 +412,10 @@ bool exportDataSet(const DataSetInfo& info, const std::string& output, const Vtk
 
     auto entriesOf = [&](const std::vector<size_t>& zones, const std::string& prefix) {
         std::vector<VtmEntry> entries;
-        for (size_t z : zones)
-            entries.push_back({info.zones[z].name, prefix + zoneFiles[z], {}});
+        for (size_t z : zones) {
+            if (!zoneFiles[z].empty())
+                entries.push_back({info.zones[z].name, prefix + zoneFiles[z], {}});
+        }
         return entries;
     };
     if (!collection) {

@@ -97,6 +97,10 @@ PullReport pullDataSet(DataSetInfo* info, int threads, zorvane::zorutilutil::Tas
             }
             const WorkItem& item = work[i];
             ZoneInfo& zone = info->zones[item.zone];
+            if (progress != nullptr && (i == 0 || work[i - 1].zone != item.zone)) {
+                progress->setText("Loading zone " + std::to_string(zone.number) + " of " +
+                                  std::to_string(info->zones.size()) + ": " + zone.name);
+            }
             switch (item.kind) {
                 case Kind::NodeMap: {
                     int64_t corners = 0;
@@ -154,6 +158,10 @@ PullReport pullDataSet(DataSetInfo* info, int threads, zorvane::zorutilutil::Tas
                     count(&PullReport::valueBlocks);
                     break;
                 }
+            }
+            {
+                std::lock_guard<std::mutex> guard(reportMutex);
+                ++report.done;
             }
             if (progress != nullptr && !progress->end())
                 stop.store(true);

@@ -13,7 +13,8 @@
 namespace fluentload {
 
 struct PullReport {
-    int64_t items = 0;                  // items asked for
+    int64_t items = 0;                  // items to ask for
+    int64_t done = 0;                   // items asked for before the end or an interrupt
     int64_t failed = 0;                 // items the host could not load, or that failed a check
     int64_t valueBlocks = 0;            // values of one variable in one zone, loaded
     int64_t nodeMaps = 0;               // node maps loaded

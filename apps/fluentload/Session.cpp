@@ -14,12 +14,6 @@ namespace fluentload {
 
 namespace {
 
-bool writeTextFile(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text;
-    return static_cast<bool>(out);
-}
-
 // What load-on-demand did over the whole run, summed over every zone's items
 // (an item shared by zone copies counts once per zone).
 void printLoadOnDemandTotals(const DataSetInfo& info) {
@@ -42,6 +36,12 @@ void printLoadOnDemandTotals(const DataSetInfo& info) {
 
 }  // namespace
 
+bool writeSummaryJson(const std::string& path, const DataSetInfo& info) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << summaryJson(info);
+    return static_cast<bool>(out);
+}
+
 int afterLoad(const Options& options) {
     using zorvane::zorutilutil::createTaskProgressBar;
     int status = 0;
@@ -61,14 +61,19 @@ int afterLoad(const Options& options) {
         for (const std::string& problem : report.problems)
             std::fprintf(stderr, "fluentload: %s\n", problem.c_str());
         if (!options.quiet) {
-            std::printf(
-                "Pulled %lld items in %.3f s with %d thread%s: %lld node maps, %lld face maps, %lld face "
-                "neighbour "
-                "items, %lld value blocks; %lld failed\n",
-                static_cast<long long>(report.items), report.seconds, options.threads,
-                options.threads == 1 ? "" : "s", static_cast<long long>(report.nodeMaps),
-                static_cast<long long>(report.faceMaps), static_cast<long long>(report.faceNeighbors),
-                static_cast<long long>(report.valueBlocks), static_cast<long long>(report.failed));
+            if (report.interrupted) {
+                std::printf("Pull interrupted after %lld of %lld items in %.3f s\n",
+                            static_cast<long long>(report.done), static_cast<long long>(report.items),
+                            report.seconds);
+            } else {
+                std::printf(
+                    "Pulled %lld items in %.3f s with %d thread%s: %lld node maps, %lld face maps, %lld face "
+                    "neighbour items, %lld value blocks; %lld failed\n",
+                    static_cast<long long>(report.items), report.seconds, options.threads,
+                    options.threads == 1 ? "" : "s", static_cast<long long>(report.nodeMaps),
+                    static_cast<long long>(report.faceMaps), static_cast<long long>(report.faceNeighbors),
+                    static_cast<long long>(report.valueBlocks), static_cast<long long>(report.failed));
+            }
         }
         if (report.failed > 0)
             status = 1;
@@ -76,13 +81,14 @@ int afterLoad(const Options& options) {
     }
     if (!options.quiet)
         std::fputs(summaryText(info).c_str(), stdout);
-    if (!options.summaryJsonFile.empty() && !writeTextFile(options.summaryJsonFile, summaryJson(info))) {
+    if (!options.summaryJsonFile.empty() && !writeSummaryJson(options.summaryJsonFile, info)) {
         std::fprintf(stderr, "fluentload: cannot write %s\n", options.summaryJsonFile.c_str());
         status = 1;
     }
     if (!options.output.empty() && info.exists && !interrupted) {
         VtkWriteOptions writeOptions;
         writeOptions.compress = options.compress;
+        writeOptions.level = options.compressLevel;
         ExportReport report;
         std::string error;
         bool exported;
@@ -91,6 +97,10 @@ int afterLoad(const Options& options) {
             exported = exportDataSet(info, options.output, writeOptions, bar.get(), &report, &error);
         }
         interrupted = report.interrupted;
+        for (const std::string& problem : report.problems)
+            std::fprintf(stderr, "fluentload: %s\n", problem.c_str());
+        if (!report.problems.empty())
+            status = 1;
         if (!exported && !interrupted) {
             std::fprintf(stderr, "fluentload: export to %s failed: %s\n", options.output.c_str(),
                          error.c_str());

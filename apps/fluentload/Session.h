@@ -2,6 +2,9 @@
 // load-on-demand, report it on standard output and as JSON, export it to VTK.
 #pragma once
 
+#include <string>
+
+#include "apps/fluentload/DataSetInfo.h"
 #include "apps/fluentload/Options.h"
 
 namespace fluentload {
@@ -12,5 +15,8 @@ namespace fluentload {
 // "fluentload: ...". Returns the exit status: 0, or 1 when a step failed, was
 // interrupted, or had no data set to work on.
 int afterLoad(const Options& options);
+
+// Writes the JSON summary of the data set to a file; false when it cannot.
+[[nodiscard]] bool writeSummaryJson(const std::string& path, const DataSetInfo& info);
 
 }  // namespace fluentload

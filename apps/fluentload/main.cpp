@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/fluentload/DataSetInfo.h"
 #include "apps/fluentload/HostItems.h"
 #include "apps/fluentload/Json.h"
 #include "apps/fluentload/Options.h"
@@ -122,8 +123,15 @@ int main(int argc, char** argv) {
     int status = 1;
     if (loaded) {
         status = fluentload::afterLoad(options);
-    } else if (minihost::interruptRequested()) {
-        std::fprintf(stderr, "fluentload: interrupted\n");
+    } else {
+        if (minihost::interruptRequested())
+            std::fprintf(stderr, "fluentload: interrupted\n");
+        // A refused load may still have made part of a data set: the JSON
+        // summary says what the host holds either way.
+        if (!options.summaryJsonFile.empty() &&
+            !fluentload::writeSummaryJson(options.summaryJsonFile, fluentload::readDataSetInfo())) {
+            std::fprintf(stderr, "fluentload: cannot write %s\n", options.summaryJsonFile.c_str());
+        }
     }
     // The host quits: the data set goes (every item's cleanup runs), then the
     // add-on hears that the program ends.

@@ -387,6 +387,7 @@ TEST_F(DataSetReport, PullLoadsEveryItemOnceWithSeveralThreadsAndMeasuresValues)
     DataSetInfo info = fluentload::readDataSetInfo();
     fluentload::PullReport report = fluentload::pullDataSet(&info, 3, nullptr);
     EXPECT_EQ(report.items, 3 + 2 + 1 + 36);
+    EXPECT_EQ(report.done, report.items);
     EXPECT_EQ(report.failed, 0);
     EXPECT_EQ(report.nodeMaps, 3);
     EXPECT_EQ(report.faceMaps, 2);
@@ -678,7 +679,8 @@ TEST_F(DataSetReport, FiniteElementZoneWithoutCoordinatesCannotBeExported) {
     builder.setNodeMap(z, {1, 2, 3});
     fluentload::VtkGrid grid;
     std::string error;
-    EXPECT_FALSE(fluentload::zoneGrid(fluentload::readDataSetInfo(), 0, &grid, &error));
+    std::vector<std::string> problems;
+    EXPECT_FALSE(fluentload::zoneGrid(fluentload::readDataSetInfo(), 0, &grid, &error, &problems));
     EXPECT_EQ(error, "the data set has no variable X to place the points of zone 1 \"tri\"");
 }
 
@@ -694,7 +696,8 @@ TEST_F(DataSetReport, NodeMapOutsideTheZoneIsCaughtByThePullAndTheExport) {
     EXPECT_EQ(report.problems[0], "the node map of zone 1 \"tri\" holds 1 node numbers outside 1 to 3");
     fluentload::VtkGrid grid;
     std::string error;
-    EXPECT_FALSE(fluentload::zoneGrid(info, 0, &grid, &error));
+    std::vector<std::string> problems;
+    EXPECT_FALSE(fluentload::zoneGrid(info, 0, &grid, &error, &problems));
     EXPECT_EQ(error, "the node map of zone 1 \"tri\" refers to node 4 of 3");
 }
 
@@ -704,6 +707,8 @@ TEST_F(DataSetReport, InterruptStopsThePull) {
     minihost::setInterrupt(true);
     fluentload::PullReport report = fluentload::pullDataSet(&info, 2, nullptr);
     EXPECT_TRUE(report.interrupted);
+    EXPECT_EQ(report.done, 0);
+    EXPECT_EQ(report.items, 42);
     for (const testdata::Source& s : builder.sources())
         EXPECT_EQ(s.loads.load(), 0);
 }
@@ -799,13 +804,22 @@ TEST_F(DataSetReport, AfterLoadWithoutADataSetHasNothingToPullOrExport) {
     EXPECT_FALSE(std::filesystem::exists(dir / "none.vtm"));
 }
 
-TEST_F(DataSetReport, AfterLoadReportsAFailedPullAndStillExportsWhatLoads) {
+TEST_F(DataSetReport, AfterLoadReportsWhatFailedAndStillExportsWhatLoads) {
+    REQUIRE_VTK();
     builder.newDataSet("Broken", {"X", "Y", "P"});
-    ZorIndex zone = builder.addZone("bad", ZorZoneType_FETriangle, 3, 1, 0, {F, F, F}, {N, N, C}, 0, 0.0);
+    ZorIndex zone =
+        builder.addZone("bad values", ZorZoneType_FETriangle, 3, 1, 0, {F, F, F}, {N, N, C}, 0, 0.0);
     builder.setValues(zone, 1, {0, 1, 0});
     builder.setValues(zone, 2, {0, 0, 1});
     builder.setNodeMap(zone, {1, 2, 3});
     builder.lodValues(zone, 3, {5}).fail = true;
+    zone = builder.addZone("bad map", ZorZoneType_FETriangle, 3, 1, 0, {F, F, F}, {N, N, C}, 0, 0.0);
+    builder.lodNodeMap(zone, {1, 2, 3}).fail = true;
+    zone = builder.addZone("good", ZorZoneType_FETriangle, 3, 1, 0, {F, F, F}, {N, N, C}, 0, 0.0);
+    builder.setValues(zone, 1, {0, 1, 0});
+    builder.setValues(zone, 2, {0, 0, 1});
+    builder.setValues(zone, 3, {7});
+    builder.setNodeMap(zone, {1, 2, 3});
     readback::TempDir dir;
     fluentload::Options options;
     options.pull = true;
@@ -815,10 +829,19 @@ TEST_F(DataSetReport, AfterLoadReportsAFailedPullAndStillExportsWhatLoads) {
     int status = fluentload::afterLoad(options);
     std::string err = testing::internal::GetCapturedStderr();
     EXPECT_EQ(status, 1);
-    EXPECT_EQ(err,
-              "fluentload: cannot load the values of variable 3 \"P\" in zone 1 \"bad\"\n"
-              "fluentload: export to " +
-                  options.output + " failed: cannot load variable P of zone 1 \"bad\"\n");
+    EXPECT_EQ(
+        err,
+        "fluentload: cannot load the values of variable 3 \"P\" in zone 1 \"bad values\"\n"
+        "fluentload: cannot load the node map of zone 2 \"bad map\"\n"
+        "fluentload: cannot load variable P of zone 1 \"bad values\"; it is left out of the export\n"
+        "fluentload: cannot load the node map of zone 2 \"bad map\"; the zone is left out of the export\n");
+    Description d = readback::describe(options.output);
+    ASSERT_EQ(d.error, "");
+    ASSERT_EQ(d.steps.at(0).blocks.size(), 2u);
+    EXPECT_EQ(d.steps[0].blocks[0].path, "bad values");
+    EXPECT_EQ(d.steps[0].blocks[0].cellData.count("P"), 0u);
+    EXPECT_EQ(d.steps[0].blocks[1].path, "good");
+    EXPECT_EQ(d.steps[0].blocks[1].cellData.at("P").values, std::vector<double>{7});
 }
 
 }  // namespace

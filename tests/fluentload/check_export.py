@@ -32,14 +32,20 @@ def fault(text):
 
 
 def read(path):
+    if not os.path.isfile(path):
+        fault("no file " + path)
+        return None
     if path.endswith(".vtm"):
         reader = vtk.vtkXMLMultiBlockDataReader()
     else:
         reader = vtk.vtkXMLUnstructuredGridReader()
+    errors = vtk.vtkStringOutputWindow()
+    vtk.vtkOutputWindow.SetInstance(errors)
     reader.SetFileName(path)
     reader.Update()
-    if reader.GetErrorCode() != 0:
-        fault("VTK could not read " + path)
+    if reader.GetErrorCode() != 0 or "ERROR" in errors.GetOutput():
+        fault("VTK could not read %s: %s" % (path, errors.GetOutput()))
+        return None
     return reader.GetOutputDataObject(0)
 
 
@@ -85,6 +91,10 @@ def main():
     out = sys.argv[2]
     found = {}
     if out.endswith(".pvd"):
+        if not os.path.isfile(out):
+            fault("no file " + out)
+            print("\n".join(faults))
+            sys.exit(1)
         root = ET.parse(out).getroot()
         for ds in root.find("Collection").findall("DataSet"):
             for grid in grids(read(os.path.join(os.path.dirname(out), ds.get("file")))):
@@ -93,6 +103,8 @@ def main():
         for grid in grids(read(out)):
             found[int(field(grid, "ZoneNumber"))] = grid
     zones = summary["zones"]
+    if not zones:
+        fault("the summary has no zones")
     if len(found) != len(zones):
         fault("%d zones in the summary, %d data sets in the export" % (len(zones), len(found)))
     cells_total = 0
