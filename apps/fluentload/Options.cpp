@@ -125,7 +125,8 @@ const char* usageText() {
            "                         the folder OUT/, gathered by OUT.vtm (a block per solution\n"
            "                         time for a series)\n"
            "  -o, --output OUT.pvd   the same as a collection, one OUT/stepN.vtm per solution time\n"
-           "  --compress             compress the VTK data with zlib\n"
+           "  --compress[=LEVEL]     compress the VTK data with zlib, level 1 (fast, the\n"
+           "                         default) to 9 (smallest)\n"
            "Output:\n"
            "  --summary-json FILE    write the data set as JSON: title, aux, variables, zones\n"
            "                         (and, with --pull, each variable's location, min, max, sum)\n"
@@ -242,6 +243,12 @@ bool parseOptions(const std::vector<std::string>& args, Options* o, std::string*
             }
         } else if (a == "--compress") {
             o->compress = true;
+        } else if (a.compare(0, 11, "--compress=") == 0) {
+            o->compress = true;
+            if (!parseInt(a.substr(11), 1, 9, &o->compressLevel)) {
+                *error = "--compress= takes a zlib level from 1 to 9";
+                return false;
+            }
         } else if (a == "--memory-budget") {
             if (!needValue(i, &v))
                 return false;

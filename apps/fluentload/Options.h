@@ -36,7 +36,8 @@ struct Options {
     bool pull = false;                         // --pull: load every item through load-on-demand
     int threads = 1;                           // --threads N: workers of the pull, 1 to 256
     std::string output;                        // -o FILE: export to FILE.vtm or FILE.pvd
-    bool compress = false;                     // --compress: zlib-compressed VTK data
+    bool compress = false;                     // --compress[=LEVEL]: zlib-compressed VTK data
+    int compressLevel = 1;                     // zlib's level, 1 (fast) to 9 (small)
     double memoryBudgetMB = 0.0;               // --memory-budget MB: 0 for none
     std::string addonPath;                     // --addon PATH
     bool help = false;                         // --help

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -58,21 +59,44 @@ Vec3 areaVector2(It first, It last, const double* xyz) {
     return sum;
 }
 
+// Up to eight points, kept on the stack: the corners of one classic element
+// or one of its faces. Elements come by the million; these stay off the heap.
+struct Small {
+    int64_t p[8];
+    int n = 0;
+
+    void push(int64_t v) { p[n++] = v; }
+    bool has(int64_t v) const { return std::find(p, p + n, v) != p + n; }
+    const int64_t* begin() const { return p; }
+    const int64_t* end() const { return p + n; }
+    int64_t* begin() { return p; }
+    int64_t* end() { return p + n; }
+};
+
 // The points of a closed loop with cyclically repeated neighbours removed.
-std::vector<int64_t> collapsedLoop(const int64_t* points, int n) {
-    std::vector<int64_t> loop;
+Small collapsedLoop(const int64_t* points, int n) {
+    Small loop;
     for (int i = 0; i < n; ++i) {
-        if (loop.empty() || loop.back() != points[i])
-            loop.push_back(points[i]);
+        if (loop.n == 0 || loop.p[loop.n - 1] != points[i])
+            loop.push(points[i]);
     }
-    while (loop.size() > 1 && loop.front() == loop.back())
-        loop.pop_back();
+    while (loop.n > 1 && loop.p[0] == loop.p[loop.n - 1])
+        --loop.n;
     return loop;
 }
 
-std::vector<int64_t> distinctPoints(const int64_t* points, int n) {
-    std::vector<int64_t> distinct;
+Small distinctOf(const int64_t* points, int n) {
+    Small distinct;
     for (int i = 0; i < n; ++i) {
+        if (!distinct.has(points[i]))
+            distinct.push(points[i]);
+    }
+    return distinct;
+}
+
+std::vector<int64_t> distinctPoints(const int64_t* points, size_t n) {
+    std::vector<int64_t> distinct;
+    for (size_t i = 0; i < n; ++i) {
         if (std::find(distinct.begin(), distinct.end(), points[i]) == distinct.end())
             distinct.push_back(points[i]);
     }
@@ -83,57 +107,58 @@ bool contains(const std::vector<int64_t>& v, int64_t p) {
     return std::find(v.begin(), v.end(), p) != v.end();
 }
 
-// A cell of fewer points than its type needs: the cell of its distinct points.
-void lowerCell(const std::vector<int64_t>& distinct, VtkCell* cell) {
-    cell->points = distinct;
-    switch (distinct.size()) {
-        case 0:
-            cell->type = kVtkEmptyCell;
-            break;
-        case 1:
-            cell->type = kVtkVertex;
-            break;
-        case 2:
-            cell->type = kVtkLine;
-            break;
-        case 3:
-            cell->type = kVtkTriangle;
-            break;
-        default:
-            cell->type = kVtkPolygon;
-            break;
-    }
+void setCell(uint8_t type, const int64_t* points, int n, VtkCell* cell) {
+    cell->type = type;
+    cell->points.assign(points, points + n);
 }
 
-void tetraCell(std::vector<int64_t> p, const double* xyz, VtkCell* cell) {
-    if (tetraVolume6(&xyz[3 * p[0]], &xyz[3 * p[1]], &xyz[3 * p[2]], &xyz[3 * p[3]]) < 0.0)
-        std::swap(p[1], p[2]);
-    cell->type = kVtkTetra;
-    cell->points = std::move(p);
+// A cell of fewer points than its type needs: the cell of its distinct points.
+void lowerCell(const int64_t* points, int n, VtkCell* cell) {
+    static const uint8_t kTypes[4] = {kVtkEmptyCell, kVtkVertex, kVtkLine, kVtkTriangle};
+    setCell(n < 4 ? kTypes[n] : static_cast<uint8_t>(kVtkPolygon), points, n, cell);
+}
+
+void lowerCell(const std::vector<int64_t>& points, VtkCell* cell) {
+    lowerCell(points.data(), static_cast<int>(points.size()), cell);
+}
+
+void tetraCell(Small p, const double* xyz, VtkCell* cell) {
+    if (tetraVolume6(&xyz[3 * p.p[0]], &xyz[3 * p.p[1]], &xyz[3 * p.p[2]], &xyz[3 * p.p[3]]) < 0.0)
+        std::swap(p.p[1], p.p[2]);
+    setCell(kVtkTetra, p.p, 4, cell);
 }
 
 // A polyhedron of the given faces, each turned to face away from the cell's centroid.
-void polyhedronOfFaces(const std::vector<std::vector<int64_t>>& faces, const std::vector<int64_t>& distinct,
-                       const double* xyz, VtkCell* cell) {
+void polyhedronOfFaces(const Small* faces, int numFaces, const Small& distinct, const double* xyz,
+                       VtkCell* cell) {
     Vec3 center = centroid(distinct.begin(), distinct.end(), xyz);
-    cell->type = kVtkPolyhedron;
-    cell->points = distinct;
-    cell->faces.push_back(static_cast<int64_t>(faces.size()));
-    for (const std::vector<int64_t>& face : faces) {
+    setCell(kVtkPolyhedron, distinct.p, distinct.n, cell);
+    cell->faces.push_back(numFaces);
+    for (int f = 0; f < numFaces; ++f) {
+        const Small& face = faces[f];
         Vec3 area = areaVector2(face.begin(), face.end(), xyz);
         Vec3 out = centroid(face.begin(), face.end(), xyz) - center;
-        cell->faces.push_back(static_cast<int64_t>(face.size()));
+        cell->faces.push_back(face.n);
         if (dot(area, out) < 0.0) {
-            cell->faces.insert(cell->faces.end(), face.rbegin(), face.rend());
+            cell->faces.insert(cell->faces.end(), std::make_reverse_iterator(face.end()),
+                               std::make_reverse_iterator(face.begin()));
         } else {
             cell->faces.insert(cell->faces.end(), face.begin(), face.end());
         }
     }
 }
 
+bool samePointSet(Small a, Small b) {
+    if (a.n != b.n)
+        return false;
+    std::sort(a.begin(), a.end());
+    std::sort(b.begin(), b.end());
+    return std::equal(a.begin(), a.end(), b.begin());
+}
+
 void brickCell(const int64_t* c, const double* xyz, VtkCell* cell) {
-    std::vector<int64_t> distinct = distinctPoints(c, 8);
-    if (distinct.size() == 8) {
+    const Small distinct = distinctOf(c, 8);
+    if (distinct.n == 8) {
         // VTK wants the normal of (0, 1, 2, 3) to point toward (4, 5, 6, 7).
         Vec3 bottomArea = areaVector2(c, c + 4, xyz);
         Vec3 rise = centroid(c + 4, c + 8, xyz) - centroid(c, c + 4, xyz);
@@ -147,89 +172,87 @@ void brickCell(const int64_t* c, const double* xyz, VtkCell* cell) {
         return;
     }
     // The faces that remain after repeated corners collapse, each once.
-    std::vector<std::vector<int64_t>> faces;
+    Small faces[6];
+    int numFaces = 0, numTriangles = 0, numQuads = 0;
+    int triangle[6], quad[6];  // which faces
     for (const auto& local : kBrickFaces) {
         int64_t corners[4] = {c[local[0]], c[local[1]], c[local[2]], c[local[3]]};
-        std::vector<int64_t> loop = collapsedLoop(corners, 4);
-        std::vector<int64_t> loopDistinct = distinctPoints(loop.data(), static_cast<int>(loop.size()));
-        if (loopDistinct.size() < 3)
+        Small loop = collapsedLoop(corners, 4);
+        Small loopDistinct = distinctOf(loop.p, loop.n);
+        if (loopDistinct.n < 3)
             continue;
-        if (loopDistinct.size() != loop.size())
+        if (loopDistinct.n != loop.n)
             loop = loopDistinct;
-        std::vector<int64_t> key = loop;
-        std::sort(key.begin(), key.end());
-        bool seen = std::any_of(faces.begin(), faces.end(), [&](const std::vector<int64_t>& f) {
-            std::vector<int64_t> k = f;
-            std::sort(k.begin(), k.end());
-            return k == key;
-        });
-        if (!seen)
-            faces.push_back(std::move(loop));
+        bool seen = false;
+        for (int f = 0; f < numFaces && !seen; ++f)
+            seen = samePointSet(faces[f], loop);
+        if (seen)
+            continue;
+        if (loop.n == 3)
+            triangle[numTriangles++] = numFaces;
+        if (loop.n == 4)
+            quad[numQuads++] = numFaces;
+        faces[numFaces++] = loop;
     }
-    std::vector<const std::vector<int64_t>*> triangles, quads;
-    for (const auto& face : faces)
-        (face.size() == 3 ? triangles : quads).push_back(&face);
-    if (distinct.size() == 4 && faces.size() == 4 && triangles.size() == 4) {
+    if (distinct.n == 4 && numFaces == 4 && numTriangles == 4) {
         tetraCell(distinct, xyz, cell);
         return;
     }
-    if (distinct.size() == 5 && faces.size() == 5 && quads.size() == 1 && quads[0]->size() == 4) {
-        std::vector<int64_t> base = *quads[0];
+    if (distinct.n == 5 && numFaces == 5 && numQuads == 1 && numTriangles == 4) {
+        Small base = faces[quad[0]];
         int64_t apex = -1;
         for (int64_t p : distinct) {
-            if (!contains(base, p))
+            if (!base.has(p))
                 apex = p;
         }
         // VTK wants the base's normal to point toward the apex.
         Vec3 rise = pointOf(xyz, apex) - centroid(base.begin(), base.end(), xyz);
         if (dot(areaVector2(base.begin(), base.end(), xyz), rise) < 0.0)
             std::reverse(base.begin() + 1, base.end());
-        cell->type = kVtkPyramid;
-        cell->points = base;
-        cell->points.push_back(apex);
+        base.push(apex);
+        setCell(kVtkPyramid, base.p, 5, cell);
         return;
     }
-    if (distinct.size() == 6 && faces.size() == 5 && triangles.size() == 2 && quads.size() == 3 &&
-        std::all_of(quads.begin(), quads.end(),
-                    [](const std::vector<int64_t>* q) { return q->size() == 4; })) {
-        std::vector<int64_t> bottom = *triangles[0];
-        const std::vector<int64_t>& top = *triangles[1];
+    if (distinct.n == 6 && numFaces == 5 && numTriangles == 2 && numQuads == 3) {
+        Small bottom = faces[triangle[0]];
+        const Small& top = faces[triangle[1]];
         // The side faces join each bottom corner to one top corner.
-        std::map<int64_t, int64_t> across;
-        for (const std::vector<int64_t>* quad : quads) {
-            for (size_t i = 0; i < 4; ++i) {
-                int64_t a = (*quad)[i], b = (*quad)[(i + 1) % 4];
-                if (contains(bottom, a) && contains(top, b))
-                    across[a] = b;
-                if (contains(bottom, b) && contains(top, a))
-                    across[b] = a;
+        int64_t across[3] = {-1, -1, -1};
+        for (int q = 0; q < 3; ++q) {
+            const Small& side = faces[quad[q]];
+            for (int i = 0; i < 4; ++i) {
+                int64_t a = side.p[i], b = side.p[(i + 1) % 4];
+                for (int k = 0; k < 3; ++k) {
+                    if ((a == bottom.p[k] && top.has(b)) || (b == bottom.p[k] && top.has(a)))
+                        across[k] = a == bottom.p[k] ? b : a;
+                }
             }
         }
-        if (across.size() == 3) {
+        if (across[0] >= 0 && across[1] >= 0 && across[2] >= 0) {
             // VTK wants the normal of (0, 1, 2) to point away from (3, 4, 5).
             Vec3 rise = centroid(top.begin(), top.end(), xyz) - centroid(bottom.begin(), bottom.end(), xyz);
-            if (dot(areaVector2(bottom.begin(), bottom.end(), xyz), rise) > 0.0)
-                std::swap(bottom[1], bottom[2]);
-            cell->type = kVtkWedge;
-            cell->points = {bottom[0],         bottom[1],         bottom[2],
-                            across[bottom[0]], across[bottom[1]], across[bottom[2]]};
+            if (dot(areaVector2(bottom.begin(), bottom.end(), xyz), rise) > 0.0) {
+                std::swap(bottom.p[1], bottom.p[2]);
+                std::swap(across[1], across[2]);
+            }
+            const int64_t wedge[6] = {bottom.p[0], bottom.p[1], bottom.p[2], across[0], across[1], across[2]};
+            setCell(kVtkWedge, wedge, 6, cell);
             return;
         }
     }
-    if (faces.size() >= 4 && distinct.size() >= 4) {
-        polyhedronOfFaces(faces, distinct, xyz, cell);
+    if (numFaces >= 4 && distinct.n >= 4) {
+        polyhedronOfFaces(faces, numFaces, distinct, xyz, cell);
         return;
     }
-    if (faces.size() == 1 || faces.size() == 2) {
+    if (numFaces == 1 || numFaces == 2) {
         // Flat: the largest remaining face.
-        const std::vector<int64_t>& face =
-            faces.size() == 2 && faces[1].size() > faces[0].size() ? faces[1] : faces[0];
-        lowerCell(face, cell);
-        if (face.size() == 4)
+        const Small& face = numFaces == 2 && faces[1].n > faces[0].n ? faces[1] : faces[0];
+        lowerCell(face.p, face.n, cell);
+        if (face.n == 4)
             cell->type = kVtkQuad;
         return;
     }
-    lowerCell(distinct, cell);
+    lowerCell(distinct.p, distinct.n, cell);
 }
 
 }  // namespace
@@ -259,26 +282,26 @@ void classicCell(int32_t zoneType, const int64_t* corners, const double* xyz, Vt
     cell->faces.clear();
     switch (zoneType) {
         case 1: {  // triangle
-            std::vector<int64_t> distinct = distinctPoints(corners, 3);
-            lowerCell(distinct, cell);
+            Small distinct = distinctOf(corners, 3);
+            lowerCell(distinct.p, distinct.n, cell);
             break;
         }
         case 2: {  // quadrilateral
-            std::vector<int64_t> loop = collapsedLoop(corners, 4);
-            std::vector<int64_t> distinct = distinctPoints(corners, 4);
-            if (loop.size() != distinct.size())
+            Small loop = collapsedLoop(corners, 4);
+            Small distinct = distinctOf(corners, 4);
+            if (loop.n != distinct.n)
                 loop = distinct;  // corners repeat out of turn: keep first use order
-            lowerCell(loop, cell);
-            if (loop.size() == 4)
+            lowerCell(loop.p, loop.n, cell);
+            if (loop.n == 4)
                 cell->type = kVtkQuad;
             break;
         }
         case 3: {  // tetrahedron
-            std::vector<int64_t> distinct = distinctPoints(corners, 4);
-            if (distinct.size() == 4) {
+            Small distinct = distinctOf(corners, 4);
+            if (distinct.n == 4) {
                 tetraCell(distinct, xyz, cell);
             } else {
-                lowerCell(distinct, cell);
+                lowerCell(distinct.p, distinct.n, cell);
             }
             break;
         }
@@ -286,8 +309,8 @@ void classicCell(int32_t zoneType, const int64_t* corners, const double* xyz, Vt
             brickCell(corners, xyz, cell);
             break;
         case 5: {  // line segment
-            std::vector<int64_t> distinct = distinctPoints(corners, 2);
-            lowerCell(distinct, cell);
+            Small distinct = distinctOf(corners, 2);
+            lowerCell(distinct.p, distinct.n, cell);
             break;
         }
         default:
@@ -318,7 +341,7 @@ std::vector<int64_t> polygonLoop(const std::vector<std::pair<int64_t, int64_t>>&
             at = it->second;
         }
         if (directed && at == edges[0].first && loop.size() == edges.size() &&
-            distinctPoints(loop.data(), static_cast<int>(loop.size())).size() == loop.size()) {
+            distinctPoints(loop.data(), loop.size()).size() == loop.size()) {
             return loop;
         }
     }
@@ -349,7 +372,7 @@ std::vector<int64_t> polygonLoop(const std::vector<std::pair<int64_t, int64_t>>&
             break;
     }
     if (at == loop.front() && loop.size() == edges.size() &&
-        distinctPoints(loop.data(), static_cast<int>(loop.size())).size() == loop.size()) {
+        distinctPoints(loop.data(), loop.size()).size() == loop.size()) {
         return loop;
     }
     // The edges do not close: the distinct points in first use order.
@@ -358,7 +381,7 @@ std::vector<int64_t> polygonLoop(const std::vector<std::pair<int64_t, int64_t>>&
         all.push_back(e.first);
         all.push_back(e.second);
     }
-    return distinctPoints(all.data(), static_cast<int>(all.size()));
+    return distinctPoints(all.data(), all.size());
 }
 
 namespace {

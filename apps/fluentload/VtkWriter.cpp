@@ -19,9 +19,12 @@
 
 #include <zlib.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <thread>
 
 namespace fluentload {
 
@@ -66,27 +69,54 @@ bool encode(Payload* payload, const VtkWriteOptions& options, std::string* error
     const size_t blockSize = options.blockSize == 0 ? (1u << 20) : options.blockSize;
     const uint64_t fullBlocks = payload->size / blockSize;
     const uint64_t lastSize = payload->size % blockSize;
-    const uint64_t numBlocks = fullBlocks + (lastSize != 0 ? 1 : 0);
-    std::vector<uint64_t> header = {numBlocks, blockSize, lastSize};
-    std::vector<unsigned char> streams;
-    std::vector<unsigned char> block(compressBound(static_cast<uLong>(blockSize)));
-    for (uint64_t b = 0; b < numBlocks; ++b) {
-        size_t from = static_cast<size_t>(b * blockSize);
-        size_t length = std::min(blockSize, payload->size - from);
-        uLongf out = static_cast<uLongf>(block.size());
-        int status =
-            compress2(block.data(), &out, payload->data + from, static_cast<uLong>(length), options.level);
-        if (status != Z_OK) {
-            *error = "zlib could not compress a block (status " + std::to_string(status) + ")";
-            return false;
+    const size_t numBlocks = static_cast<size_t>(fullBlocks + (lastSize != 0 ? 1 : 0));
+    // Blocks are compressed independently, so workers share them out.
+    std::vector<std::vector<unsigned char>> blocks(numBlocks);
+    std::atomic<size_t> next{0};
+    std::atomic<int> failure{Z_OK};
+    auto worker = [&]() {
+        for (size_t b = next.fetch_add(1); b < numBlocks; b = next.fetch_add(1)) {
+            size_t from = b * blockSize;
+            size_t length = std::min(blockSize, payload->size - from);
+            std::vector<unsigned char>& out = blocks[b];
+            out.resize(compressBound(static_cast<uLong>(length)));
+            uLongf outSize = static_cast<uLongf>(out.size());
+            int status = compress2(out.data(), &outSize, payload->data + from, static_cast<uLong>(length),
+                                   options.level);
+            if (status != Z_OK)
+                failure.store(status);
+            out.resize(outSize);
         }
-        header.push_back(out);
-        streams.insert(streams.end(), block.begin(), block.begin() + static_cast<long>(out));
+    };
+    const size_t threads = std::min<size_t>(std::max(1u, std::thread::hardware_concurrency()), numBlocks);
+    if (threads <= 1) {
+        worker();
+    } else {
+        std::vector<std::thread> pool;
+        for (size_t t = 0; t < threads; ++t)
+            pool.emplace_back(worker);
+        for (std::thread& t : pool)
+            t.join();
     }
-    payload->encoded.resize(header.size() * 8 + streams.size());
+    if (failure.load() != Z_OK) {
+        *error = "zlib could not compress a block (status " + std::to_string(failure.load()) + ")";
+        return false;
+    }
+    std::vector<uint64_t> header = {numBlocks, blockSize, lastSize};
+    size_t total = 0;
+    for (const auto& block : blocks) {
+        header.push_back(block.size());
+        total += block.size();
+    }
+    payload->encoded.resize(header.size() * 8 + total);
     std::memcpy(payload->encoded.data(), header.data(), header.size() * 8);
-    if (!streams.empty())
-        std::memcpy(payload->encoded.data() + header.size() * 8, streams.data(), streams.size());
+    unsigned char* at = payload->encoded.data() + header.size() * 8;
+    for (auto& block : blocks) {
+        if (!block.empty())
+            std::memcpy(at, block.data(), block.size());
+        at += block.size();
+        std::vector<unsigned char>().swap(block);
+    }
     return true;
 }
 

@@ -82,7 +82,7 @@ struct VtkGrid {
 
 struct VtkWriteOptions {
     bool compress = false;        // zlib-compressed blocks instead of raw data
-    int level = 6;                // zlib's compression level, 1 to 9
+    int level = 1;                // zlib's compression level, 1 (fast, the default) to 9 (small)
     size_t blockSize = 1u << 20;  // bytes of uncompressed data per compressed block
 };
 

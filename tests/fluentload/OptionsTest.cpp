@@ -118,6 +118,11 @@ TEST(FluentloadOptions, ViewAndExportOptionsAreRead) {
     EXPECT_TRUE(o.compress);
     EXPECT_EQ(o.memoryBudgetMB, 1.5);
     EXPECT_EQ(o.summaryJsonFile, "s.json");
+    EXPECT_EQ(o.compressLevel, 1);
+    Options level;
+    ASSERT_TRUE(fluentload::parseOptions({"--compress=9", "a.cas"}, &level, &error)) << error;
+    EXPECT_TRUE(level.compress);
+    EXPECT_EQ(level.compressLevel, 9);
 }
 
 TEST(FluentloadOptions, UsageErrorsSayWhatIsWrong) {
@@ -127,6 +132,7 @@ TEST(FluentloadOptions, UsageErrorsSayWhatIsWrong) {
     EXPECT_EQ(usageError({"-o", "a.vtu", "a.cas"}), "-o takes a file name ending in .vtm or .pvd");
     EXPECT_EQ(usageError({"--memory-budget", "-1", "a.cas"}), "--memory-budget takes a number of megabytes");
     EXPECT_EQ(usageError({"--metadata", "sometimes", "a.cas"}), "--metadata takes on or off");
+    EXPECT_EQ(usageError({"--compress=0", "a.cas"}), "--compress= takes a zlib level from 1 to 9");
     EXPECT_EQ(usageError({"--average", "median", "a.cas"}), "--average takes arithmetic, laplacian or none");
     EXPECT_EQ(usageError({"--read-time", "--time-interval", "1", "a.cas", "a.dat", "b.dat"}),
               "--read-time and --time-interval exclude each other");
@@ -167,7 +173,7 @@ TEST(FluentloadOptions, HelpDocumentsEveryOption) {
                                "--pull",
                                "--threads",
                                "--output",
-                               "--compress",
+                               "--compress[=LEVEL]",
                                "--summary-json",
                                "--messages",
                                "--no-progress",
