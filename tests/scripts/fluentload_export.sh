@@ -23,7 +23,7 @@ no_data_set="fluentload: the load made no data set; nothing to pull or export"
 
 # The options of this part, documented and checked before any load.
 for option in --pull --threads --output "--compress[=LEVEL]" --summary-json --memory-budget; do
-    "$fl" --help | grep -q -- " $option " || fail "--help should document $option"
+    "$fl" --help | grep -qF -- " $option " || fail "--help should document $option"
 done
 "$fl" -o "$work/out.vtu" "$FL_SOURCE_DIR/samples/square.cas" >/dev/null 2>&1
 [ $? -eq 2 ] || fail "an export name other than .vtm or .pvd should exit 2"
