@@ -35,10 +35,12 @@ inline std::vector<Shown> shown() {
     return result;
 }
 
-// Registers the add-on once per test program, as the host does at start.
+// Registers the add-on once per test program, as the host does at start
+// (unless the program registered it already).
 inline void ensureAddOn() {
     static const bool registered = [] {
-        minihost::initAddOn(InitZorAddOn113);
+        if (!minihost::findLoader("Fluent Data Loader"))
+            minihost::initAddOn(InitZorAddOn113);
         return true;
     }();
     (void)registered;
