@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <limits>
 #include <mutex>
 
 #include "host/ZorData.h"
@@ -77,11 +78,8 @@ double Values::at(int64_t i) const {
     }
 }
 
-bool fetchValues(ZorIndex zone, ZorIndex var, Values* out) {
-    RequestGuard guard;
-    ZorFieldData data = ZorUtilDataValueGetReadableDerivedRef(zone, var);
-    if (data == nullptr)
-        return false;
+// Copies the values of a loaded item.
+static bool copyValues(ZorFieldData data, Values* out) {
     out->type = ZorUtilDataValueGetRefType(data);
     out->location = ZorUtilDataValueGetLocationByRef(data);
     out->count = ZorUtilDataValueGetCountByRef(data);
@@ -102,6 +100,131 @@ bool fetchValues(ZorIndex zone, ZorIndex var, Values* out) {
     } else {
         ZorUtilDataValueArrayGetByRef(data, 1, out->count, out->bytes.data());
     }
+    return true;
+}
+
+bool fetchValues(ZorIndex zone, ZorIndex var, Values* out) {
+    RequestGuard guard;
+    ZorFieldData data = ZorUtilDataValueGetReadableDerivedRef(zone, var);
+    if (data == nullptr)
+        return false;
+    return copyValues(data, out);
+}
+
+namespace {
+
+// Smallest, largest and sum of n values, in order, as doubles.
+template <typename T>
+void accumulate(const T* values, int64_t n, ValueStats* s) {
+    double lo = std::numeric_limits<double>::infinity(), hi = -lo, sum = 0.0;
+    for (int64_t i = 0; i < n; ++i) {
+        double v = static_cast<double>(values[i]);
+        lo = std::min(lo, v);
+        hi = std::max(hi, v);
+        sum += v;
+    }
+    s->min = lo;
+    s->max = hi;
+    s->sum = sum;
+}
+
+}  // namespace
+
+bool fetchValueStats(ZorIndex zone, ZorIndex var, Values* scratch, ValueStats* stats) {
+    RequestGuard guard;
+    ZorFieldData data = ZorUtilDataValueGetReadableDerivedRef(zone, var);
+    if (data == nullptr)
+        return false;
+    const int32_t type = ZorUtilDataValueGetRefType(data);
+    const int64_t count = ZorUtilDataValueGetCountByRef(data);
+    if (bytesOf(type) == 0)
+        return false;
+    ValueStats s;
+    s.pulled = true;
+    s.count = count;
+    const void* raw =
+        count == 0 || type == ZorFieldDataType_Bit ? nullptr : ZorUtilDataValueGetReadableRawPtr(data);
+    // Read where the host keeps the values: a copy of every array would cost
+    // more than the statistics.
+    switch (raw != nullptr ? type : ZorFieldDataType_Invalid) {
+        case ZorFieldDataType_Double:
+            accumulate(static_cast<const double*>(raw), count, &s);
+            break;
+        case ZorFieldDataType_Float:
+            accumulate(static_cast<const float*>(raw), count, &s);
+            break;
+        case ZorFieldDataType_Int32:
+            accumulate(static_cast<const int32_t*>(raw), count, &s);
+            break;
+        case ZorFieldDataType_Int16:
+            accumulate(static_cast<const int16_t*>(raw), count, &s);
+            break;
+        case ZorFieldDataType_Byte:
+            accumulate(static_cast<const unsigned char*>(raw), count, &s);
+            break;
+        default:
+            // No raw array (or no values): a copy, read value by value.
+            if (!copyValues(data, scratch))
+                return false;
+            s.count = scratch->count;
+            if (scratch->count > 0) {
+                double lo = std::numeric_limits<double>::infinity(), hi = -lo, sum = 0.0;
+                for (int64_t i = 0; i < scratch->count; ++i) {
+                    double v = scratch->at(i);
+                    lo = std::min(lo, v);
+                    hi = std::max(hi, v);
+                    sum += v;
+                }
+                s.min = lo;
+                s.max = hi;
+                s.sum = sum;
+            }
+            break;
+    }
+    *stats = s;
+    return true;
+}
+
+bool countNodeMapOutside(ZorIndex zone, int64_t points, int64_t* outside) {
+    RequestGuard guard;
+    ZorNodeMap map = ZorUtilDataNodeGetReadableRef(zone);
+    if (map == nullptr)
+        return false;
+    const size_t slots =
+        static_cast<size_t>(ZorUtilDataNodeGetNodesPerElem(map) * ZorUtilDataNodeGetNumElems(map));
+    int64_t count = 0;
+    if (slots == 0) {
+        *outside = 0;
+        return true;
+    }
+    if (const void* raw = ZorUtilDataNodeGetRawPtrByRef(map)) {
+        // Read where the host keeps the map: a copy of a large map costs as
+        // much memory as the map, and on a fresh machine as much time as its
+        // assembly.
+        if (ZorUtilDataNodeGetRawItemType(map) == ZorRawItemType_Int64) {
+            const int64_t* wide = static_cast<const int64_t*>(raw);
+            for (size_t i = 0; i < slots; ++i)
+                count += wide[i] < 0 || wide[i] >= points;
+        } else {
+            const int32_t* narrow = static_cast<const int32_t*>(raw);
+            for (size_t i = 0; i < slots; ++i)
+                count += narrow[i] < 0 || narrow[i] >= points;
+        }
+        *outside = count;
+        return true;
+    }
+    // Without a raw pointer: one-based numbers through the copying getter, in chunks.
+    std::vector<int32_t> chunk(1u << 16);
+    for (size_t from = 0; from < slots; from += chunk.size()) {
+        size_t n = std::min(chunk.size(), slots - from);
+        ZorUtilDataNodeArrayGetByRef(map, static_cast<ZorIndex>(from + 1), static_cast<ZorIndex>(n),
+                                     chunk.data());
+        for (size_t i = 0; i < n; ++i) {
+            const int64_t p = static_cast<int64_t>(chunk[i]) - 1;
+            count += p < 0 || p >= points;
+        }
+    }
+    *outside = count;
     return true;
 }
 

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "apps/fluentload/DataSetInfo.h"
 #include "apps/fluentload/VtkCells.h"
 #include "host/ZorTypes.h"
 
@@ -34,6 +35,16 @@ struct Values {
 // Loads (if need be) and copies the values. False when the host has no such
 // item or its load failed.
 bool fetchValues(ZorIndex zone, ZorIndex var, Values* out);
+
+// Loads (if need be) the values and works out their statistics where the host
+// keeps them, or from a copy in scratch when it has no raw array. False as for
+// fetchValues.
+bool fetchValueStats(ZorIndex zone, ZorIndex var, Values* scratch, ValueStats* stats);
+
+// Loads a classic zone's node map and counts its points outside 0 to points - 1,
+// reading the map where the host keeps it. False when the zone has none or its
+// load failed.
+bool countNodeMapOutside(ZorIndex zone, int64_t points, int64_t* outside);
 
 // Loads and copies a classic zone's node map: zero-based points, element after
 // element. False when the zone has none or its load failed.

@@ -27,25 +27,6 @@ std::string zoneText(const ZoneInfo& z) {
     return "zone " + std::to_string(z.number) + " \"" + z.name + "\"";
 }
 
-ValueStats statsOf(const Values& values) {
-    ValueStats s;
-    s.pulled = true;
-    s.count = values.count;
-    if (values.count == 0)
-        return s;
-    double lo = std::numeric_limits<double>::infinity(), hi = -lo, sum = 0.0;
-    for (int64_t i = 0; i < values.count; ++i) {
-        double v = values.at(i);
-        lo = std::min(lo, v);
-        hi = std::max(hi, v);
-        sum += v;
-    }
-    s.min = lo;
-    s.max = hi;
-    s.sum = sum;
-    return s;
-}
-
 }  // namespace
 
 PullReport pullDataSet(DataSetInfo* info, int threads, zorvane::zorutilutil::TaskProgress* progress) {
@@ -85,7 +66,6 @@ PullReport pullDataSet(DataSetInfo* info, int threads, zorvane::zorutilutil::Tas
 
     auto worker = [&]() {
         Values values;
-        std::vector<int64_t> nodes;
         PolyFaces faces;
         while (!stop.load()) {
             size_t i = next.fetch_add(1);
@@ -103,13 +83,11 @@ PullReport pullDataSet(DataSetInfo* info, int threads, zorvane::zorutilutil::Tas
             }
             switch (item.kind) {
                 case Kind::NodeMap: {
-                    int64_t corners = 0;
-                    if (!fetchNodeMap(zone.number, &corners, &nodes)) {
+                    int64_t outside = 0;
+                    if (!countNodeMapOutside(zone.number, zone.points(), &outside)) {
                         fail("cannot load the node map of " + zoneText(zone));
                         break;
                     }
-                    int64_t outside = std::count_if(nodes.begin(), nodes.end(),
-                                                    [&](int64_t p) { return p < 0 || p >= zone.points(); });
                     if (outside > 0) {
                         fail("the node map of " + zoneText(zone) + " holds " + std::to_string(outside) +
                              " node numbers outside 1 to " + std::to_string(zone.points()));
@@ -149,12 +127,12 @@ PullReport pullDataSet(DataSetInfo* info, int threads, zorvane::zorutilutil::Tas
                     break;
                 case Kind::Values: {
                     ZoneValueInfo& slot = zone.values[item.var];
-                    if (!fetchValues(zone.number, static_cast<ZorIndex>(item.var + 1), &values)) {
+                    if (!fetchValueStats(zone.number, static_cast<ZorIndex>(item.var + 1), &values,
+                                         &slot.stats)) {
                         fail("cannot load the values of variable " + std::to_string(item.var + 1) + " \"" +
                              info->variables[item.var].name + "\" in " + zoneText(zone));
                         break;
                     }
-                    slot.stats = statsOf(values);
                     count(&PullReport::valueBlocks);
                     break;
                 }
