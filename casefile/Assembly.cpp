@@ -18,6 +18,7 @@
 //   face 1: 0 3 7 4    face 2: 2 1 5 6    face 3: 1 0 4 5
 //   face 4: 3 2 6 7    face 5: 0 1 2 3    face 6: 4 5 6 7
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -601,6 +602,21 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
 
 // ---- Boundary zones ---------------------------------------------------------------------------
 
+// Marks of a boundary zone, one bit per node of the case. A boundary zone has
+// few nodes: its marks stay in the processor's cache (4 million nodes take
+// 512 kB), and the numbering passes over 64 nodes a word, where an integer
+// per node would be cleared, written and read twice in full for every zone.
+static inline void markFaceNodeBits(uint64_t* bits, int32_t totalNodes, const int32_t* nodes,
+                                    int32_t places) {
+    for (int32_t k = 0; k < places; ++k) {
+        int32_t node = nodes[k];
+        if (node != 0 && node >= 1 && node <= totalNodes) {
+            const uint32_t g = static_cast<uint32_t>(node - 1);
+            bits[g >> 6] |= uint64_t{1} << (g & 63);
+        }
+    }
+}
+
 static void freeFaceZoneNumbering(FaceZone* zone) {
     free(zone->zoneNodes);
     zone->zoneNodes = nullptr;
@@ -617,19 +633,19 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
     }
     const int32_t slots = zone->faceNodes != nullptr ? faceZoneSlots(zone) : 0;
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    int32_t* marks = static_cast<int32_t*>(bulkCalloc(places > 0 ? places : 1, sizeof(int32_t)));
+    const size_t words = places > 0 ? (places + 63) / 64 : 1;
+    uint64_t* marks = static_cast<uint64_t*>(calloc(words, sizeof(uint64_t)));
     if (marks == nullptr) {
         return false;
     }
     const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
     for (int64_t i = 0; slots > 0 && i < count; ++i) {
-        markFaceNodes(marks, totalNodes, zone->faceNodes + i * slots, slots);
+        markFaceNodeBits(marks, totalNodes, zone->faceNodes + i * slots, slots);
     }
+    // Numbers in ascending order of the global node number, from 1.
     int32_t numNodes = 0;
-    for (size_t g = 0; g < places; ++g) {
-        if (marks[g] != 0) {
-            marks[g] = ++numNodes;
-        }
+    for (size_t w = 0; w < words; ++w) {
+        numNodes += __builtin_popcountll(marks[w]);
     }
     if (numNodes == 0) {
         showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
@@ -641,9 +657,11 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
         free(marks);
         return false;
     }
-    for (size_t g = 0; g < places; ++g) {
-        if (marks[g] != 0) {
-            zone->zoneNodes[marks[g] - 1] = static_cast<int32_t>(g + 1);
+    int32_t next = 0;
+    for (size_t w = 0; w < words; ++w) {
+        for (uint64_t bits = marks[w]; bits != 0; bits &= bits - 1) {
+            zone->zoneNodes[next++] =
+                static_cast<int32_t>(w * 64 + static_cast<size_t>(__builtin_ctzll(bits)) + 1);
         }
     }
     free(marks);
