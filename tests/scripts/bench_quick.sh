@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # bench/run --quick runs to its end and writes a complete JSON report: every
-# input with its four measures (raw read, scan, full load, VTK's reader), each
-# either with its runs, median and peak memory or with the reason it failed;
-# the generated inputs measured in full. No time is checked: the figures
+# input with its five measures (raw read, section scans, scan, full load, VTK's
+# reader), each either with its runs, median and peak memory or with the
+# reason it failed; the generated inputs measured in full. No time is checked: the figures
 # depend on the machine and on what else runs on it.
 set -uo pipefail
-if [ ! -x "$FL_BIN/bench/raw_read" ]; then
+if [ ! -x "$FL_BIN/bench/raw_read" ] || [ ! -x "$FL_BIN/bench/scan_only" ]; then
     echo "the benchmarks are not built in $FL_BIN (FL_BUILD_BENCH off); nothing to check"
     exit 0
 fi
@@ -35,8 +35,8 @@ for key in ("date", "machine", "settings", "measures", "cases", "targets", "git"
     if key not in report:
         problems.append("no %r in the report" % key)
 settings = report.get("settings", {})
-runs = {"raw": settings.get("runs"), "scan": settings.get("runs"), "full": settings.get("runs"),
-        "peer": settings.get("peer_runs")}
+runs = {"raw": settings.get("runs"), "sections": settings.get("runs"), "scan": settings.get("runs"),
+        "full": settings.get("runs"), "peer": settings.get("peer_runs")}
 if not settings.get("quick") or runs["raw"] not in (1, 2) or runs["peer"] not in (1, 2):
     problems.append("settings are not those of --quick: %r" % settings)
 
@@ -54,7 +54,7 @@ for name, case in cases.items():
             problems.append("%s: no %r" % (name, key))
     if case.get("bytes", 0) <= 0:
         problems.append("%s: no bytes counted" % name)
-    for m in ("raw", "scan", "full", "peer"):
+    for m in ("raw", "sections", "scan", "full", "peer"):
         s = case.get(m)
         if not isinstance(s, dict) or s.get("status") not in ("ok", "failed", "unavailable"):
             problems.append("%s: %s has no status" % (name, m))
