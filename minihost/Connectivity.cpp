@@ -803,6 +803,7 @@ ZorFaceNeighbor ZorUtilDataFaceNbrGetReadableRef(ZorIndex zone) {
         return nullptr;
     LodItem* geometry = items.nodeMap != nullptr ? static_cast<LodItem*>(items.nodeMap.get())
                                                  : static_cast<LodItem*>(items.faceMap.get());
+    RequestScope holdBoth;  // the neighbours inside the zone are read from the geometry
     if (geometry == nullptr || !ensureLoaded(*geometry) || !ensureLoaded(*items.faceNeighbors))
         return nullptr;
     if (items.faceNeighbors->lodMode == ZorFaceNbrLODMode_HostInside || !items.faceNeighbors->hasLoader) {

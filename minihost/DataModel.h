@@ -253,6 +253,17 @@ size_t valueSize(int32_t type);
 // lock held, once even when several threads ask. An item without a loader is
 // made zero-filled. False when the load failed.
 bool ensureLoaded(LodItem& item);
+// Held by a host reader that needs several items at once (face neighbours
+// need the zone's node map or face map too): while it lives, requests of this
+// thread unload nothing for the memory budget, so the items got first stay
+// loaded. The budget is kept again by the next request outside it.
+class RequestScope {
+  public:
+    RequestScope();
+    ~RequestScope();
+    RequestScope(const RequestScope&) = delete;
+    RequestScope& operator=(const RequestScope&) = delete;
+};
 // Calls the item's unload callback (no host lock held) and frees its storage
 // when it agrees. False when it was not loaded or the callback refused.
 bool unloadItem(LodItem& item);

@@ -28,6 +28,9 @@ std::atomic<uint64_t> tick{0};        // request counter, the age of items
 std::atomic<size_t> memoryBudget{0};  // bytes; 0: no budget
 std::atomic<bool> rawPointers{true};
 std::atomic<bool> wideMaps{false};
+// Readers of this thread that hold items together (RequestScope); while one
+// does, no request unloads anything for the budget.
+thread_local int heldRequests = 0;
 
 // Every loaded item with a loader in the data set, each once.
 std::vector<std::shared_ptr<LodItem>> loadedItems() {
@@ -82,6 +85,13 @@ void keepToBudget(const LodItem* wanted) {
 
 }  // namespace
 
+RequestScope::RequestScope() {
+    ++heldRequests;
+}
+RequestScope::~RequestScope() {
+    --heldRequests;
+}
+
 bool rawPointersOffered() {
     return rawPointers.load();
 }
@@ -103,7 +113,9 @@ bool ensureLoaded(LodItem& item) {
             return true;
         }
     }
-    bool topLevel = !ZorUtilLockIsOn();  // a request made outside any load callback
+    // A request made outside any load callback and outside a reader that holds
+    // items together.
+    bool topLevel = !ZorUtilLockIsOn() && heldRequests == 0;
     if (topLevel)
         keepToBudget(&item);
     lockAddOn();

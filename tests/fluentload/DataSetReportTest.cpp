@@ -543,6 +543,19 @@ TEST_F(DataSetReport, MemoryBudgetUnloadsItemsThatTheExportLoadsAgain) {
         EXPECT_GE(builder.sources()[k].loads.load(), 2) << "source " << k;
 }
 
+// Regression: under a budget the request for a zone's face neighbours used to
+// unload the node map it had just loaded, and the host's search for neighbours
+// inside the zone then read the freed map.
+TEST_F(DataSetReport, MemoryBudgetKeepsTheNodeMapWhileNeighboursInsideAreFound) {
+    buildEveryZoneType(builder);
+    minihost::setMemoryBudget(1);  // nothing fits: each request unloads the others
+    fluentload::setRequestsSerialized(true);
+    DataSetInfo info = fluentload::readDataSetInfo();
+    fluentload::PullReport report = fluentload::pullDataSet(&info, 1, nullptr);
+    EXPECT_EQ(report.failed, 0);
+    EXPECT_EQ(info.zones[0].values[5].stats.sum, 759.0);
+}
+
 // Two strands at two times, made out of order.
 void buildSeries(Builder& b) {
     b.newDataSet("Series", {"X", "Y", "Z", "P"});
