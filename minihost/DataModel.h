@@ -222,6 +222,7 @@ struct Zone {
 struct Variable {
     std::string name;
     ZorUniqueID uniqueId = 0;
+    bool enabled = true;  // the user can switch a variable off; ZorUtilVarIsEnabled says so
 };
 
 struct DataSet {

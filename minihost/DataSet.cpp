@@ -702,7 +702,8 @@ ZorIndex ZorUtilVarGetNumByName(const char* name) {
 
 bool ZorUtilVarIsEnabled(ZorIndex var) {
     std::lock_guard<std::mutex> guard(dataMutex);
-    return dataSet != nullptr && var >= 1 && var <= static_cast<ZorIndex>(dataSet->variables.size());
+    return dataSet != nullptr && var >= 1 && var <= static_cast<ZorIndex>(dataSet->variables.size()) &&
+           dataSet->variables[static_cast<size_t>(var - 1)].enabled;
 }
 
 ZorUniqueID ZorUtilVarGetUniqueID(ZorIndex var) {
@@ -882,4 +883,16 @@ void resetFrame() {
 }
 
 }  // namespace detail
+}  // namespace minihost
+
+namespace minihost {
+
+bool setVariableEnabled(ZorIndex var, bool enabled) {
+    std::lock_guard<std::mutex> guard(data::dataMutex);
+    if (data::dataSet == nullptr || var < 1 || var > static_cast<ZorIndex>(data::dataSet->variables.size()))
+        return false;
+    data::dataSet->variables[static_cast<size_t>(var - 1)].enabled = enabled;
+    return true;
+}
+
 }  // namespace minihost

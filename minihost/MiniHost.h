@@ -225,6 +225,10 @@ void setRawPointersOffered(bool on);
 // Whether node maps of zones made from now on use 64-bit items (off at
 // start; zones of more than 2^31 - 1 points always do).
 void setWideNodeMaps(bool on);
+// Switches a variable of the data set on or off, as the user does in the
+// host's data set dialog (ZorUtilVarIsEnabled answers it). False when there is
+// no such variable. Variables start enabled.
+bool setVariableEnabled(ZorIndex var, bool enabled);
 
 // Asks a loaded item to unload (its unload callback runs; no host lock held).
 // False when it was not loaded, has no loader, or the loader refused.

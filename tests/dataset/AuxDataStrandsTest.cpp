@@ -49,6 +49,16 @@ TEST_F(AuxDataStrands, DataSetItemsNameTheKnownQuantities) {
     EXPECT_EQ(auxItemCount(0), 10u);  // "pressure" in small letters is no known quantity
 }
 
+TEST_F(AuxDataStrands, DisabledVariableGetsNoItem) {
+    makeDataSet({"X", "Y", "Pressure", "X Velocity", "Density"}, 0);
+    ASSERT_TRUE(minihost::setVariableEnabled(3, false));
+    setDatasetAuxData();
+    EXPECT_EQ(auxItem(0, "Common.PressureVar"), "");
+    EXPECT_EQ(auxItem(0, "Common.UVar"), "4");
+    EXPECT_EQ(auxItem(0, "Common.DensityVar"), "5");
+    EXPECT_EQ(auxItemCount(0), 3u);  // VectorVarsAreVelocity, UVar, DensityVar
+}
+
 TEST_F(AuxDataStrands, ZVelocityAndSwirlVelocityShareAnItemAndTheLaterVariableWins) {
     makeDataSet({"X", "Y", "Swirl Velocity", "Z Velocity"}, 0);
     setDatasetAuxData();
