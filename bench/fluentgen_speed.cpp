@@ -10,12 +10,12 @@
 // unless `keep` is given. It measures; it asserts nothing.
 #include <sys/resource.h>
 
+#include <unistd.h>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
 
 #include "tools/fluentgen/FluentGen.h"
 
@@ -57,10 +57,11 @@ int main(int argc, char** argv) {
     struct rusage ru;
     getrusage(RUSAGE_SELF, &ru);
     int64_t cells = int64_t(n) * n * n;
-    std::printf("fluentgen_speed: %lld hexahedra, %d fields, %s: %.2f s, %.1f MB written (%.0f MB/s), "
-                "peak RSS %.1f MB\n",
-                static_cast<long long>(cells), fields, encoding.c_str(), seconds, bytes / 1e6, bytes / 1e6 / seconds,
-                ru.ru_maxrss / 1024.0);
+    std::printf(
+        "fluentgen_speed: %lld hexahedra, %d fields, %s: %.2f s, %.1f MB written (%.0f MB/s), "
+        "peak RSS %.1f MB\n",
+        static_cast<long long>(cells), fields, encoding.c_str(), seconds, bytes / 1e6, bytes / 1e6 / seconds,
+        ru.ru_maxrss / 1024.0);
     if (!keep) {
         std::filesystem::remove_all(dir);
     } else {

@@ -22,7 +22,7 @@ namespace dataio {
 // Reference counted: the factory that made a writer holds one reference; a
 // holder that keeps a writer longer than the factory calls retain and release.
 class ZOR_HOST_API DeferredMinMaxWriter {
-public:
+  public:
     DeferredMinMaxWriter() = default;
     DeferredMinMaxWriter(const DeferredMinMaxWriter&) = delete;
     DeferredMinMaxWriter& operator=(const DeferredMinMaxWriter&) = delete;
@@ -32,16 +32,17 @@ public:
     void retain() { refCount_.fetch_add(1, std::memory_order_relaxed); }
     // Drops one reference; the last one deletes the writer.
     void release() {
-        if (refCount_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+        if (refCount_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete this;
     }
 
-private:
+  private:
     std::atomic<int32_t> refCount_{1};
 };
 
 // Hands out deferred writers during a scan whose result will be stored.
 class ZOR_HOST_API DeferredMinMaxWriterFactory {
-public:
+  public:
     virtual ~DeferredMinMaxWriterFactory();
     // A new writer; the factory keeps a reference to it. Never null.
     virtual DeferredMinMaxWriter* createDeferredMinMaxWriter() = 0;

@@ -15,7 +15,7 @@ namespace zorvane {
 namespace zorutilutil {
 
 class ZOR_HOST_API TaskProgress {
-public:
+  public:
     virtual ~TaskProgress();
     // A child task that spans one step of this task and has numSteps steps.
     virtual std::unique_ptr<TaskProgress> createChildTask(int numSteps) = 0;

@@ -15,16 +15,16 @@
 
 // ---- Opaque handles -------------------------------------------------------
 
-typedef struct ZorAddOnImpl* ZorAddOnID;      // one per registered add-on
-typedef struct ZorStringListImpl* ZorStringList;  // list of strings, numbered from 1
-typedef struct ZorArgListImpl* ZorArgList;    // named arguments of an "...X" call
-typedef struct ZorSetImpl* ZorSet;            // set of positive integers, numbered from 1
-typedef struct ZorMutexImpl* ZorMutex;        // a non-recursive mutex of the host
-typedef struct ZorAuxDataImpl* ZorAuxDataRef;  // auxiliary data of a data set or zone
-typedef struct ZorFieldDataImpl* ZorFieldData;  // values of one variable in one zone
-typedef struct ZorNodeMapImpl* ZorNodeMap;    // element-to-node map of a finite-element zone
-typedef struct ZorFaceMapImpl* ZorFaceMap;    // face map of a polygon or polyhedron zone
-typedef struct ZorFaceNeighborImpl* ZorFaceNeighbor;  // face neighbours of a zone
+typedef struct ZorAddOnImpl* ZorAddOnID;                // one per registered add-on
+typedef struct ZorStringListImpl* ZorStringList;        // list of strings, numbered from 1
+typedef struct ZorArgListImpl* ZorArgList;              // named arguments of an "...X" call
+typedef struct ZorSetImpl* ZorSet;                      // set of positive integers, numbered from 1
+typedef struct ZorMutexImpl* ZorMutex;                  // a non-recursive mutex of the host
+typedef struct ZorAuxDataImpl* ZorAuxDataRef;           // auxiliary data of a data set or zone
+typedef struct ZorFieldDataImpl* ZorFieldData;          // values of one variable in one zone
+typedef struct ZorNodeMapImpl* ZorNodeMap;              // element-to-node map of a finite-element zone
+typedef struct ZorFaceMapImpl* ZorFaceMap;              // face map of a polygon or polyhedron zone
+typedef struct ZorFaceNeighborImpl* ZorFaceNeighbor;    // face neighbours of a zone
 typedef struct ZorNodeToElemMapImpl* ZorNodeToElemMap;  // node-to-element map (derived)
 typedef struct ZorElemToFaceMapImpl* ZorElemToFaceMap;  // faces of each element (derived)
 typedef int32_t ZorGUIID;  // a dialog or control of the dialog toolkit; ZorGUIBadID until made
@@ -119,10 +119,7 @@ enum ZorFrameMode : int32_t {
 };
 
 // Width of the items of a node map or face map.
-enum ZorRawItemType : int32_t {
-    ZorRawItemType_Int32 = 0,
-    ZorRawItemType_Int64 = 1
-};
+enum ZorRawItemType : int32_t { ZorRawItemType_Int32 = 0, ZorRawItemType_Int64 = 1 };
 
 // Modes of face neighbour assignment.
 enum ZorFaceNeighborMode : int32_t {
@@ -139,7 +136,7 @@ typedef void (*ZorOnIdleCallback)(ZorArbParam clientData);
 // Loader callbacks.
 typedef bool (*ZorDataSetLoaderCallback)(ZorStringList instructions);
 typedef bool (*ZorDataSetLoaderSelectedCallback)(ZorStringList fileNames, bool advancedOptions, bool append,
-                                                  ZorArbParam clientData);
+                                                 ZorArbParam clientData);
 
 // A set or string list position that holds no member.
 constexpr ZorIndex ZorNoMember = -1;

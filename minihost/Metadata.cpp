@@ -145,7 +145,8 @@ BufferedOutputStream::~BufferedOutputStream() {
 }
 
 void BufferedOutputStream::write(const void* data, size_t size) {
-    if (size == 0) return;  // an empty block may come with a null pointer
+    if (size == 0)
+        return;  // an empty block may come with a null pointer
     const char* in = static_cast<const char*>(data);
     if (impl_->used + size > impl_->buffer.size()) {
         impl_->target->write(impl_->buffer.data(), impl_->used);
