@@ -166,8 +166,12 @@ static inline bool setFromEdge(int32_t cellNumber, const int32_t* t, int32_t n, 
     return true;
 }
 
-static inline bool addFaceToBrickInline(int32_t* localFace, int32_t cellNumber, const int32_t* face,
-                                        int32_t numFaceNodes, int32_t* slots) {
+// The two rules below are forced inline into the assembly loop, where the
+// zone type and the side are fixed: as calls (the compiler's choice, as they
+// are used elsewhere too) they took a third of the assembly's time.
+[[gnu::always_inline]] static inline bool addFaceToBrickInline(int32_t* localFace, int32_t cellNumber,
+                                                               const int32_t* face, int32_t numFaceNodes,
+                                                               int32_t* slots) {
     const int32_t n = numFaceNodes;
     if (n != 3 && n != 4) {
         return assemblyError(cellNumber);
@@ -199,9 +203,10 @@ static inline bool addFaceToBrickInline(int32_t* localFace, int32_t cellNumber, 
     return assemblyError(cellNumber);
 }
 
-static inline bool addFaceToCellInline(int32_t* localFace, int32_t cellNumber, int32_t facesSoFar,
-                                       const int32_t* faceNodes, int32_t numFaceNodes, bool forward,
-                                       int32_t* cellSlots, int32_t hostZoneType) {
+[[gnu::always_inline]] static inline bool addFaceToCellInline(int32_t* localFace, int32_t cellNumber,
+                                                              int32_t facesSoFar, const int32_t* faceNodes,
+                                                              int32_t numFaceNodes, bool forward,
+                                                              int32_t* cellSlots, int32_t hostZoneType) {
     if (numFaceNodes < 1) {
         return true;  // an empty face adds nothing
     }
