@@ -211,14 +211,14 @@ static inline bool setFromEdge(int32_t cellNumber, const int32_t* t, int32_t n, 
         return true;  // an empty face adds nothing
     }
     // The whole of the orientation logic: side 1 sees the face mirrored.
+    // Places behind the face's nodes repeat its last node. Written out: as a
+    // loop, the compiler turned the copy into a call of memcpy for every face.
     int32_t t[4];
     const int32_t n = std::min(numFaceNodes, 4);
-    for (int32_t k = 0; k < n; ++k) {
-        t[k] = forward ? faceNodes[k] : faceNodes[n - 1 - k];
-    }
-    for (int32_t k = n; k < 4; ++k) {
-        t[k] = t[n - 1];
-    }
+    t[0] = faceNodes[forward ? 0 : n - 1];
+    t[1] = n > 1 ? faceNodes[forward ? 1 : n - 2] : t[0];
+    t[2] = n > 2 ? faceNodes[forward ? 2 : n - 3] : t[1];
+    t[3] = n > 3 ? faceNodes[forward ? 3 : 0] : t[2];
     if (facesSoFar == 0) {
         int32_t seedSize;
         switch (hostZoneType) {
