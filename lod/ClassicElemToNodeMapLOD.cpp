@@ -1,5 +1,7 @@
 #include "lod/ClassicElemToNodeMapLOD.h"
 
+#include <sys/mman.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -21,6 +23,20 @@ ClassicElemToNodeMapLOD* objectOf(ZorNodeMap nodeMap) {
 
 // An unset slot as a raw map holds it: zero-based.
 constexpr int64_t kRawUnsetNode = UNSET_NODE - 1;
+
+// Asks the kernel to back a large, fresh block with huge pages: filling the
+// cell node array of a large zone then takes one page fault per 2 MB instead
+// of one per 4 kB. Only the page-aligned inside of the block is advised; the
+// block stays a malloc block.
+void adviseHugePages(void* block, size_t bytes) {
+    if (block == nullptr || bytes < (size_t(4) << 20))
+        return;
+    const uintptr_t page = 4096;
+    const uintptr_t start = (reinterpret_cast<uintptr_t>(block) + page - 1) & ~(page - 1);
+    const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + bytes) & ~(page - 1);
+    if (end > start)
+        (void)madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
+}
 
 }  // namespace
 
@@ -159,12 +175,13 @@ bool ClassicElemToNodeMapLOD::loadCellZone(CaseFile* caseFile, ZorNodeMap nodeMa
     CellZone* zone = &caseFile->cellZones[cellZoneIndex];
     const int32_t corners = nodesPerCellOfHostZoneType(zone->hostZoneType);
     const int64_t slots = static_cast<int64_t>(zone->lastIndex - zone->firstIndex + 1) * corners;
-    int32_t* cellNodes =
-        static_cast<int32_t*>(std::malloc(sizeof(int32_t) * static_cast<size_t>(slots > 0 ? slots : 1)));
+    const size_t bytes = sizeof(int32_t) * static_cast<size_t>(slots > 0 ? slots : 1);
+    int32_t* cellNodes = static_cast<int32_t*>(std::malloc(bytes));
     if (cellNodes == nullptr) {
         ZorUtilDialogErrMsg("Out of memory.");
         return false;
     }
+    adviseHugePages(cellNodes, bytes);
     for (int64_t s = 0; s < slots; ++s)
         cellNodes[s] = UNSET_NODE;
 
