@@ -111,6 +111,83 @@ void parseBoolean(bool& target, const char* value) {
     target = place % 2 == 0;
 }
 
+// Sets target to the place of value among count names, compared without
+// regard to case. Any other value leaves target as it is and shows a box with
+// `format`, holding one %s for the value; that is no failure.
+template <typename Enumeration>
+static void parseEnumeration(Enumeration& target, const char* value, const char* const* names, int32_t count,
+                             const char* format) {
+    int32_t place = enumerationIndex(value, names, count);
+    if (place >= 0) {
+        target = static_cast<Enumeration>(place);
+    } else {
+        showIgnoredValue(format, value);
+    }
+}
+
+// Shows a key that neither syntax knows; that is no failure.
+static void showUnknownKey(const char* key) {
+    showIgnoredValue("Fluent data loader:\nUnrecognized parameter '%s'.\nIgnoring...", key);
+}
+
+// Puts a host string copy of value in name, freeing the name it held. False
+// when memory runs out.
+[[nodiscard]] static bool replaceName(char*& name, const char* value) {
+    ZorUtilStringDealloc(&name);
+    name = copyToHostString(value);
+    return name != nullptr;
+}
+
+// Walks the (key, value) pairs of a list, the first key at string `first`
+// (strings are numbered from 1), while the key's place is below the count: a
+// key in the last place has no value and is not read. readPair(key, value,
+// next) reads one pair; next is the place of the following key, which the
+// reader may move on past strings it took. False when a reader said false.
+template <typename ReadPair>
+[[nodiscard]] static bool walkPairs(ZorStringList instructions, ZorIndex first, ReadPair readPair) {
+    const ZorIndex count = ZorUtilStringListGetCount(instructions);
+    ZorIndex index = first;
+    while (index < count) {
+        const char* key = entryText(instructions, index);
+        const char* value = entryText(instructions, index + 1);
+        index += 2;
+        if (!readPair(key, value, index)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Load options that read a case file, and those that read a data file.
+static bool needsCaseFile(LoadOption loadOption) {
+    return loadOption == LoadOption_CaseAndData || loadOption == LoadOption_CaseOnly;
+}
+static bool needsDataFile(LoadOption loadOption) {
+    return loadOption == LoadOption_CaseAndData || loadOption == LoadOption_ResidualsOnly;
+}
+
+// The checks both syntaxes make after the walk: a valid load option, and the
+// name of each file it reads, since without one nothing could be opened.
+[[nodiscard]] static bool checkLoadOptionAndNames(LoadOption loadOption, const char* caseFileName,
+                                                  const char* dataFileName) {
+    if (loadOption < LoadOption_CaseAndData || loadOption > LoadOption_MultipleCaseAndData) {
+        ZorUtilDialogErrMsg(
+            "Invalid or missing setting for LoadOption in\nthe Fluent Data Loader instruction string.");
+        return false;
+    }
+    if (needsCaseFile(loadOption) && caseFileName == nullptr) {
+        ZorUtilDialogErrMsg(
+            "The instruction string for the Fluent Data Loader\nis missing the name of the case file.");
+        return false;
+    }
+    if (needsDataFile(loadOption) && dataFileName == nullptr) {
+        ZorUtilDialogErrMsg(
+            "The instruction string for the Fluent Data Loader\nis missing the name of the data file.");
+        return false;
+    }
+    return true;
+}
+
 // Uncompresses *name, a .gz case or data file name, and puts the name of the
 // plain copy in its place.
 static bool replaceByUncompressedFile(char*& name, bool& saveUncompressedFiles, bool& askSave,
@@ -154,48 +231,30 @@ bool ParseAndCheckInstructions(ZorStringList instructions, bool& append, ZorStri
     bool saveKeyPresent = false;
 
     const ZorIndex count = ZorUtilStringListGetCount(instructions);
-    ZorIndex index = 3;  // behind the marker and the version
-    while (index < count) {
-        const char* key = entryText(instructions, index);
-        const char* value = entryText(instructions, index + 1);
-        index += 2;
-
+    // The walk starts behind the marker and the version.
+    const bool walked = walkPairs(instructions, 3, [&](const char* key, const char* value, ZorIndex& index) {
         if (asciiEqualsIgnoringCase(key, "Append")) {
             parseBoolean(append, value);
         } else if (asciiEqualsIgnoringCase(key, "LoadOption")) {
-            int32_t place = enumerationIndex(value, LoadOptionNames, 4);
-            if (place >= 0) {
-                loadOption = static_cast<LoadOption>(place);
-            } else {
-                showIgnoredValue(
-                    "Fluent data loader: Unrecognized value for parameter LoadOption '%s'.Ignoring...",
-                    value);
-            }
+            parseEnumeration(
+                loadOption, value, LoadOptionNames, 4,
+                "Fluent data loader: Unrecognized value for parameter LoadOption '%s'.Ignoring...");
         } else if (asciiEqualsIgnoringCase(key, "FILENAME_CaseFile")) {
+            // The first name counts; a later one is shown and passed over.
             if (caseFileName != nullptr) {
                 ZorUtilDialogErrMsg("Multiple FILENAME_CaseFile parameters.\nDuplicates will be ignored.");
-            } else {
-                caseFileName = copyToHostString(value);
-                if (caseFileName == nullptr) {
-                    return false;
-                }
+            } else if (!replaceName(caseFileName, value)) {
+                return false;
             }
         } else if (asciiEqualsIgnoringCase(key, "GridZones")) {
-            int32_t place = enumerationIndex(value, GridZonesNames, 4);
-            if (place >= 0) {
-                gridZones = static_cast<GridZones>(place);
-            } else {
-                showIgnoredValue(
-                    "Fluent data loader: Unrecognized value for parameter GridZones '%s'.Ignoring...", value);
-            }
+            parseEnumeration(
+                gridZones, value, GridZonesNames, 4,
+                "Fluent data loader: Unrecognized value for parameter GridZones '%s'.Ignoring...");
         } else if (asciiEqualsIgnoringCase(key, "FILENAME_DataFile")) {
             if (dataFileName != nullptr) {
                 ZorUtilDialogErrMsg("Multiple FILENAME_DataFile parameters.\nDuplicates will be ignored.");
-            } else {
-                dataFileName = copyToHostString(value);
-                if (dataFileName == nullptr) {
-                    return false;
-                }
+            } else if (!replaceName(dataFileName, value)) {
+                return false;
             }
         } else if (asciiEqualsIgnoringCase(key, "IncludeParticleData")) {
             parseBoolean(includeParticleData, value);
@@ -234,15 +293,9 @@ bool ParseAndCheckInstructions(ZorStringList instructions, bool& append, ZorStri
         } else if (asciiEqualsIgnoringCase(key, "AverageToNodes")) {
             parseBoolean(averageToNodes, value);
         } else if (asciiEqualsIgnoringCase(key, "AveragingMethod")) {
-            int32_t place = enumerationIndex(value, AveragingMethodNames, 2);
-            if (place >= 0) {
-                averagingMethod = static_cast<AveragingMethod>(place);
-            } else {
-                showIgnoredValue(
-                    "Fluent data loader:\nUnrecognized value for parameter AveragingMethod "
-                    "'%s'.\nIgnoring...",
-                    value);
-            }
+            parseEnumeration(averagingMethod, value, AveragingMethodNames, 2,
+                             "Fluent data loader:\nUnrecognized value for parameter AveragingMethod "
+                             "'%s'.\nIgnoring...");
         } else if (asciiEqualsIgnoringCase(key, "ZoneList")) {
             // A later ZoneList replaces an earlier one.
             if (zoneList != nullptr) {
@@ -267,14 +320,9 @@ bool ParseAndCheckInstructions(ZorStringList instructions, bool& append, ZorStri
             unsteadyOption =
                 isUnsteady ? UnsteadyOption_ApplyConstantTimeInterval : UnsteadyOption_ReadTimeFromDataFiles;
         } else if (asciiEqualsIgnoringCase(key, "UnsteadyOption")) {
-            int32_t place = enumerationIndex(value, UnsteadyOptionNames, 2);
-            if (place >= 0) {
-                unsteadyOption = static_cast<UnsteadyOption>(place);
-            } else {
-                showIgnoredValue(
-                    "Fluent data loader: Unrecognized value for parameter UnsteadyOption '%s'.Ignoring...",
-                    value);
-            }
+            parseEnumeration(
+                unsteadyOption, value, UnsteadyOptionNames, 2,
+                "Fluent data loader: Unrecognized value for parameter UnsteadyOption '%s'.Ignoring...");
         } else if (asciiEqualsIgnoringCase(key, "TimeInterval")) {
             // Read whatever the unsteady option, so a bad number fails even
             // where it would not be used.
@@ -298,27 +346,11 @@ bool ParseAndCheckInstructions(ZorStringList instructions, bool& append, ZorStri
         } else if (asciiEqualsIgnoringCase(key, "LoadAdditionalQuantities")) {
             parseBoolean(loadAdditionalQuantities, value);
         } else {
-            showIgnoredValue("Fluent data loader:\nUnrecognized parameter '%s'.\nIgnoring...", key);
+            showUnknownKey(key);
         }
-    }
-
-    if (loadOption < LoadOption_CaseAndData || loadOption > LoadOption_MultipleCaseAndData) {
-        ZorUtilDialogErrMsg(
-            "Invalid or missing setting for LoadOption in\nthe Fluent Data Loader instruction string.");
-        return false;
-    }
-    // A load option that reads a case or data file needs its name; without
-    // one nothing could be opened.
-    if ((loadOption == LoadOption_CaseAndData || loadOption == LoadOption_CaseOnly) &&
-        caseFileName == nullptr) {
-        ZorUtilDialogErrMsg(
-            "The instruction string for the Fluent Data Loader\nis missing the name of the case file.");
-        return false;
-    }
-    if ((loadOption == LoadOption_CaseAndData || loadOption == LoadOption_ResidualsOnly) &&
-        dataFileName == nullptr) {
-        ZorUtilDialogErrMsg(
-            "The instruction string for the Fluent Data Loader\nis missing the name of the data file.");
+        return true;
+    });
+    if (!walked || !checkLoadOptionAndNames(loadOption, caseFileName, dataFileName)) {
         return false;
     }
     if (loadOption == LoadOption_MultipleCaseAndData) {
@@ -332,15 +364,13 @@ bool ParseAndCheckInstructions(ZorStringList instructions, bool& append, ZorStri
             return false;
         }
     }
-    if ((loadOption == LoadOption_CaseAndData || loadOption == LoadOption_CaseOnly) &&
-        isGzipFileName(caseFileName)) {
+    if (needsCaseFile(loadOption) && isGzipFileName(caseFileName)) {
         if (!replaceByUncompressedFile(caseFileName, saveUncompressedFiles, askSave, overwrite, askOverwrite,
                                        progress)) {
             return false;
         }
     }
-    if ((loadOption == LoadOption_CaseAndData || loadOption == LoadOption_ResidualsOnly) &&
-        isGzipFileName(dataFileName)) {
+    if (needsDataFile(loadOption) && isGzipFileName(dataFileName)) {
         if (!replaceByUncompressedFile(dataFileName, saveUncompressedFiles, askSave, overwrite, askOverwrite,
                                        progress)) {
             return false;
@@ -361,61 +391,24 @@ bool ParseAndCheckInstructions(ZorStringList instructions, bool& append, ZorStri
 bool ParseOldInstructions(ZorStringList instructions, LoadOption& loadOption, char*& caseFileName,
                           GridZones& gridZones, char*& dataFileName) {
     gridZones = GridZones_CellsAndBoundaries;
-    const ZorIndex pairs = ZorUtilStringListGetCount(instructions) / 2;
-    for (ZorIndex k = 1; k <= pairs; ++k) {
-        const char* key = entryText(instructions, 2 * k - 1);
-        const char* value = entryText(instructions, 2 * k);
+    // The pairs start at the first string; a later name replaces an earlier one.
+    const bool walked = walkPairs(instructions, 1, [&](const char* key, const char* value, ZorIndex&) {
         if (asciiEqualsIgnoringCase(key, "-LoadOption")) {
-            int32_t place = enumerationIndex(value, OldLoadOptionNames, 3);
-            if (place >= 0) {
-                loadOption = static_cast<LoadOption>(place);
-            } else {
-                showIgnoredValue(
-                    "Fluent data loader:\nUnrecognized value for parameter -LoadOption '%s'.\nIgnoring...",
-                    value);
-            }
+            parseEnumeration(
+                loadOption, value, OldLoadOptionNames, 3,
+                "Fluent data loader:\nUnrecognized value for parameter -LoadOption '%s'.\nIgnoring...");
         } else if (asciiEqualsIgnoringCase(key, "-CaseFile")) {
-            ZorUtilStringDealloc(&caseFileName);
-            caseFileName = copyToHostString(value);
-            if (caseFileName == nullptr) {
-                return false;
-            }
+            return replaceName(caseFileName, value);
         } else if (asciiEqualsIgnoringCase(key, "-GridZones")) {
-            int32_t place = enumerationIndex(value, GridZonesNames, 4);
-            if (place >= 0) {
-                gridZones = static_cast<GridZones>(place);
-            } else {
-                showIgnoredValue(
-                    "Fluent data loader:\nUnrecognized value for parameter -GridZones '%s'.\nIgnoring...",
-                    value);
-            }
+            parseEnumeration(
+                gridZones, value, GridZonesNames, 4,
+                "Fluent data loader:\nUnrecognized value for parameter -GridZones '%s'.\nIgnoring...");
         } else if (asciiEqualsIgnoringCase(key, "-DataFile")) {
-            ZorUtilStringDealloc(&dataFileName);
-            dataFileName = copyToHostString(value);
-            if (dataFileName == nullptr) {
-                return false;
-            }
+            return replaceName(dataFileName, value);
         } else {
-            showIgnoredValue("Fluent data loader:\nUnrecognized parameter '%s'.\nIgnoring...", key);
+            showUnknownKey(key);
         }
-    }
-
-    if (loadOption < LoadOption_CaseAndData || loadOption > LoadOption_MultipleCaseAndData) {
-        ZorUtilDialogErrMsg(
-            "Invalid or missing setting for LoadOption in\nthe Fluent Data Loader instruction string.");
-        return false;
-    }
-    if ((loadOption == LoadOption_CaseAndData || loadOption == LoadOption_CaseOnly) &&
-        caseFileName == nullptr) {
-        ZorUtilDialogErrMsg(
-            "The instruction string for the Fluent Data Loader\nis missing the name of the case file.");
-        return false;
-    }
-    if ((loadOption == LoadOption_CaseAndData || loadOption == LoadOption_ResidualsOnly) &&
-        dataFileName == nullptr) {
-        ZorUtilDialogErrMsg(
-            "The instruction string for the Fluent Data Loader\nis missing the name of the data file.");
-        return false;
-    }
-    return true;
+        return true;
+    });
+    return walked && checkLoadOptionAndNames(loadOption, caseFileName, dataFileName);
 }

@@ -763,6 +763,23 @@ TEST_F(LoadInstructionsTest, OldSyntaxBadValuesAndUnknownKeys) {
             info("Fluent data loader:\nUnrecognized parameter '-Colour'.\nIgnoring...")}));
 }
 
+TEST_F(LoadInstructionsTest, OldSyntaxBadValuesKeepTheEarlierOnes) {
+    Parse parse({"-LoadOption", "GridOnly", "-GridZones", "CellsOnly", "-LoadOption", "Everything",
+                 "-GridZones", "Most", "-CaseFile", "a.cas"});
+    ASSERT_TRUE(parse.old());
+    EXPECT_EQ(parse.li.loadOption, LoadOption_CaseOnly);
+    EXPECT_EQ(parse.li.gridZones, GridZones_CellsOnly);
+    EXPECT_EQ(
+        shown(),
+        (std::vector<Shown>{
+            info("Fluent data loader:\nUnrecognized value for parameter -LoadOption "
+                 "'Everything'.\nIgnoring..."),
+            info("Fluent data loader:\nUnrecognized value for parameter -GridZones 'Most'.\nIgnoring...")}));
+    for (const minihost::Message& message : minihost::messages()) {
+        EXPECT_EQ(message.boxType, 2);
+    }
+}
+
 TEST_F(LoadInstructionsTest, OldSyntaxWithoutLoadOptionFails) {
     Parse parse({"-CaseFile", "a.cas", "-DataFile", "a.dat"});
     EXPECT_FALSE(parse.old());
