@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <tuple>
 #include <vector>
 
 #include "host/ZorData.h"
@@ -233,11 +234,45 @@ std::vector<int64_t> polytopeElementNodes(const ZorFaceMapImpl& map, const ZorEl
     return nodes;
 }
 
-// Neighbours that the host finds inside a zone: elements that share a face.
-// For classic zones faces match by their sorted distinct nodes; for
-// polytopes a face of the face map joins its left and right elements.
-std::map<std::pair<int64_t, int64_t>, int64_t> insideNeighbors(const ZoneItems& items) {
+// Neighbours that the host finds inside a zone: two element faces that are
+// one face join their elements. facesOf(e, add) calls add(slot, key) for the
+// faces of element e (both from 1) that can meet another, the key being equal
+// for element faces that are one face. A face that one element alone has, or
+// that three or more have, joins none.
+template <typename Key, typename FacesOf>
+std::map<std::pair<int64_t, int64_t>, int64_t> joinSharedFaces(int64_t numElements, FacesOf facesOf) {
+    struct ElementFace {
+        Key key;
+        int64_t element;
+        int64_t slot;
+    };
+    std::vector<ElementFace> all;
+    for (int64_t e = 1; e <= numElements; ++e)
+        facesOf(e, [&](int64_t slot, Key key) { all.push_back({std::move(key), e, slot}); });
+    std::sort(all.begin(), all.end(), [](const ElementFace& a, const ElementFace& b) {
+        return std::tie(a.key, a.element, a.slot) < std::tie(b.key, b.element, b.slot);
+    });
     std::map<std::pair<int64_t, int64_t>, int64_t> result;
+    for (size_t first = 0; first < all.size();) {
+        size_t end = first + 1;
+        while (end < all.size() && all[end].key == all[first].key)
+            ++end;
+        if (end - first == 2) {
+            const ElementFace& a = all[first];
+            const ElementFace& b = all[first + 1];
+            result[{a.element, a.slot}] = b.element;
+            result[{b.element, b.slot}] = a.element;
+        }
+        first = end;
+    }
+    return result;
+}
+
+// The neighbours inside a zone. A classic element's local faces are one face
+// when their distinct nodes are the same; a face with fewer nodes than its
+// kind needs is collapsed and meets nothing. A polytope element's faces are
+// faces of the face map, one face for the elements on its two sides.
+std::map<std::pair<int64_t, int64_t>, int64_t> insideNeighbors(const ZoneItems& items) {
     if (items.nodeMap != nullptr) {
         const ZorNodeMapImpl& map = *items.nodeMap;
         const LocalFace* faces = localFacesOf(items.type);
@@ -245,41 +280,29 @@ std::map<std::pair<int64_t, int64_t>, int64_t> insideNeighbors(const ZoneItems& 
         int minNodes = items.type == ZorZoneType_FETetra || items.type == ZorZoneType_FEBrick ? 3
                        : items.type == ZorZoneType_FELineSeg                                  ? 1
                                                                                               : 2;
-        std::map<std::vector<int64_t>, std::vector<std::pair<int64_t, int64_t>>> byNodes;
-        for (int64_t e = 0; e < map.numElements; ++e) {
+        return joinSharedFaces<std::vector<int64_t>>(map.numElements, [&](int64_t e, auto&& add) {
             for (int32_t f = 0; f < numFaces; ++f) {
                 std::vector<int64_t> key;
                 for (int c = 0; c < faces[f].count; ++c)
-                    key.push_back(map.get(e * map.nodesPerElement + faces[f].corners[c]));
+                    key.push_back(map.get((e - 1) * map.nodesPerElement + faces[f].corners[c]));
                 std::sort(key.begin(), key.end());
                 key.erase(std::unique(key.begin(), key.end()), key.end());
-                if (static_cast<int>(key.size()) < minNodes)
-                    continue;  // a collapsed face
-                byNodes[key].emplace_back(e + 1, f + 1);
+                if (static_cast<int>(key.size()) >= minNodes)
+                    add(f + 1, std::move(key));
             }
-        }
-        for (auto& entry : byNodes) {
-            if (entry.second.size() != 2)
-                continue;
-            result[entry.second[0]] = entry.second[1].first;
-            result[entry.second[1]] = entry.second[0].first;
-        }
-    } else if (items.faceMap != nullptr) {
+        });
+    }
+    if (items.faceMap != nullptr) {
         std::shared_ptr<ZorElemToFaceMapImpl> elemFaces = items.faceMap->elemToFace;
         if (elemFaces == nullptr)
             elemFaces = buildElemToFace(*items.faceMap, items.elements);
-        for (int64_t e = 1; e <= items.elements; ++e) {
+        return joinSharedFaces<int64_t>(items.elements, [&](int64_t e, auto&& add) {
             int64_t begin = elemFaces->start[static_cast<size_t>(e - 1)];
-            for (int64_t k = begin; k < elemFaces->start[static_cast<size_t>(e)]; ++k) {
-                size_t face = static_cast<size_t>(elemFaces->faces[static_cast<size_t>(k)] - 1);
-                int64_t left = items.faceMap->leftElems[face], right = items.faceMap->rightElems[face];
-                int64_t other = left == e ? right : left;
-                if (other >= 1 && other != e)
-                    result[{e, k - begin + 1}] = other;
-            }
-        }
+            for (int64_t k = begin; k < elemFaces->start[static_cast<size_t>(e)]; ++k)
+                add(k - begin + 1, elemFaces->faces[static_cast<size_t>(k)]);
+        });
     }
-    return result;
+    return {};
 }
 
 }  // namespace
