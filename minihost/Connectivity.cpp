@@ -355,17 +355,7 @@ bool ZorUtilDataNodeCustomLOD(ZorIndex zone, ZorLoadNodeMapCallback load, ZorUnl
     std::shared_ptr<ZorNodeMapImpl> map = itemsOf(zone).nodeMap;
     if (map == nullptr)
         return false;
-    std::lock_guard<std::mutex> guard(map->mutex);
-    if (map->hasLoader || map->state == LodItem::Loading)
-        return false;
-    map->hasLoader = true;
-    map->load = load;
-    map->unload = unload;
-    map->cleanup = cleanup;
-    map->clientData = clientData;
-    map->dropStorage();
-    map->state = LodItem::Unmade;
-    return true;
+    return registerLoader(*map, load, unload, cleanup, clientData, [](ZorNodeMapImpl&) {});
 }
 
 ZorArbParam ZorUtilDataNodeGetClientData(ZorNodeMap nodeMap) {
@@ -504,20 +494,11 @@ bool ZorUtilDataFaceMapCustomLOD(ZorIndex zone, ZorIndex numFaces, ZorIndex numF
     std::shared_ptr<ZorFaceMapImpl> map = itemsOf(zone).faceMap;
     if (map == nullptr)
         return false;
-    std::lock_guard<std::mutex> guard(map->mutex);
-    if (map->hasLoader || map->state == LodItem::Loading)
-        return false;
-    map->hasLoader = true;
-    map->declaredFaces = numFaces;
-    map->declaredFaceNodes = numFaceNodes;
-    map->declaredBndryConnFaces = numFaceBndryConns;
-    map->load = load;
-    map->unload = unload;
-    map->cleanup = cleanup;
-    map->clientData = clientData;
-    map->dropStorage();
-    map->state = LodItem::Unmade;
-    return true;
+    return registerLoader(*map, load, unload, cleanup, clientData, [&](ZorFaceMapImpl& item) {
+        item.declaredFaces = numFaces;
+        item.declaredFaceNodes = numFaceNodes;
+        item.declaredBndryConnFaces = numFaceBndryConns;
+    });
 }
 
 ZorArbParam ZorUtilDataFaceMapGetClientData(ZorFaceMap faceMap) {
@@ -764,18 +745,8 @@ bool ZorUtilDataFaceNbrCustomLOD(ZorIndex zone, int32_t mode, ZorLoadFaceNbrCall
     std::shared_ptr<ZorFaceNeighborImpl> neighbors = itemsOf(zone).faceNeighbors;
     if (neighbors == nullptr)
         return false;
-    std::lock_guard<std::mutex> guard(neighbors->mutex);
-    if (neighbors->hasLoader || neighbors->state == LodItem::Loading)
-        return false;
-    neighbors->hasLoader = true;
-    neighbors->lodMode = mode;
-    neighbors->load = load;
-    neighbors->unload = unload;
-    neighbors->cleanup = cleanup;
-    neighbors->clientData = clientData;
-    neighbors->dropStorage();
-    neighbors->state = LodItem::Unmade;
-    return true;
+    return registerLoader(*neighbors, load, unload, cleanup, clientData,
+                          [&](ZorFaceNeighborImpl& item) { item.lodMode = mode; });
 }
 
 ZorArbParam ZorUtilDataFaceNbrGetClientData(ZorFaceNeighbor faceNeighbor) {

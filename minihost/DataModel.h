@@ -276,6 +276,27 @@ void deleteDataSet(bool notify);
 // Sends a state change from the host to every listener and records it.
 void hostStateChange(int32_t code);
 
+// Registers a loader's callbacks on an item, under the item's mutex; refused
+// (false) while a loader is registered or a load runs. What the item held is
+// dropped, since the loader gives it anew. setOwn sets the fields of the
+// item's own kind under the same lock.
+template <typename Item, typename SetOwn>
+bool registerLoader(Item& item, decltype(Item::load) load, decltype(Item::unload) unload,
+                    decltype(Item::cleanup) cleanup, ZorArbParam clientData, SetOwn setOwn) {
+    std::lock_guard<std::mutex> guard(item.mutex);
+    if (item.hasLoader || item.state == LodItem::Loading)
+        return false;
+    item.hasLoader = true;
+    setOwn(item);
+    item.load = load;
+    item.unload = unload;
+    item.cleanup = cleanup;
+    item.clientData = clientData;
+    item.dropStorage();
+    item.state = LodItem::Unmade;
+    return true;
+}
+
 // The raw-pointer and node-map-width switches.
 bool rawPointersOffered();
 bool wideNodeMaps();

@@ -191,19 +191,10 @@ bool ZorUtilDataValueCustomLOD(ZorIndex zone, ZorIndex var, ZorLoadValueCallback
     auto item = itemOf(zone, var);
     if (item == nullptr)
         return false;
-    std::lock_guard<std::mutex> guard(item->mutex);
-    if (item->hasLoader || item->state == LodItem::Loading)
-        return false;
-    item->hasLoader = true;
-    item->load = load;
-    item->unload = unload;
-    item->cleanup = cleanup;
-    item->customGet = getValue;
-    item->customSet = setValue;
-    item->clientData = clientData;
-    item->dropStorage();  // what was there is replaced by what the loader gives
-    item->state = LodItem::Unmade;
-    return true;
+    return registerLoader(*item, load, unload, cleanup, clientData, [&](ZorFieldDataImpl& values) {
+        values.customGet = getValue;
+        values.customSet = setValue;
+    });
 }
 
 ZorArbParam ZorUtilDataValueGetClientData(ZorFieldData fieldData) {

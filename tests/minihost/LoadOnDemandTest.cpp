@@ -439,4 +439,47 @@ TEST_F(HostLoadOnDemand, FaceNeighborsJoinAssignedOnesAndThoseInsideTheZone) {
     EXPECT_EQ(zone, 2);
 }
 
+// ---- Registration ------------------------------------------------------------------------
+
+TEST_F(HostLoadOnDemand, EachKindOfItemTakesOneLoaderAndDropsWhatItHeld) {
+    // Values written before a loader registers are dropped: the loader gives them anew.
+    ZorFieldData before = ZorUtilDataValueGetWritableNativeRef(1, 1);
+    ASSERT_NE(before, nullptr);
+    ZorUtilDataValueSetByRef(before, 1, 99.0);
+    ASSERT_TRUE(registerValues(1, 1, &x));
+    EXPECT_FALSE(registerValues(1, 1, &y));
+    ZorFieldData values = ZorUtilDataValueGetReadableNativeRef(1, 1);
+    ASSERT_NE(values, nullptr);
+    EXPECT_EQ(ZorUtilDataValueGetClientData(values), reinterpret_cast<ZorArbParam>(&x));
+    EXPECT_EQ(ZorUtilDataValueGetByRef(values, 1), 1.0);
+    EXPECT_EQ(x.loads, 1);
+    EXPECT_EQ(y.loads, 0);
+
+    ASSERT_TRUE(ZorUtilDataNodeCustomLOD(1, loadGrid, agreeMap, cleanupMap, 42));
+    EXPECT_FALSE(ZorUtilDataNodeCustomLOD(1, loadGrid, agreeMap, cleanupMap, 43));
+    EXPECT_EQ(ZorUtilDataNodeGetClientData(ZorUtilDataNodeGetReadableRef(1)), 42);
+
+    // The refused second registration leaves the first one's mode: with the
+    // loader alone, the host looks for no neighbours inside the zone.
+    ASSERT_TRUE(ZorUtilDataFaceNbrCustomLOD(1, ZorFaceNbrLODMode_LoaderOnly, loadNeighbors, agreeNeighbors,
+                                            cleanupNeighbors, 5));
+    EXPECT_FALSE(ZorUtilDataFaceNbrCustomLOD(1, ZorFaceNbrLODMode_HostInside, loadNeighbors, agreeNeighbors,
+                                             cleanupNeighbors, 6));
+    ZorFaceNeighbor neighbors = ZorUtilDataFaceNbrGetReadableRef(1);
+    ASSERT_NE(neighbors, nullptr);
+    EXPECT_EQ(ZorUtilDataFaceNbrGetClientData(neighbors), 5);
+    EXPECT_EQ(ZorUtilDataFaceNbrGetNumNByRef(neighbors, 1, 2), 0);
+    EXPECT_EQ(ZorUtilDataFaceNbrGetNumNByRef(neighbors, 9, 2), 2);
+
+    // The sizes of a refused second face map registration are not taken.
+    ASSERT_TRUE(addZone("polygons", ZorZoneType_FEPolygon, 4, 2, 5));
+    farZone = ZorUtilZoneGetUniqueID(1);
+    ASSERT_TRUE(ZorUtilDataFaceMapCustomLOD(2, 5, 10, 1, loadPolygons, agreeFaceMap, cleanupFaceMap, 9));
+    EXPECT_FALSE(ZorUtilDataFaceMapCustomLOD(2, 4, 8, 1, loadPolygons, agreeFaceMap, cleanupFaceMap, 10));
+    ZorFaceMap map = ZorUtilDataFaceMapGetReadableRef(2);
+    ASSERT_NE(map, nullptr);
+    EXPECT_EQ(ZorUtilDataFaceMapGetClientData(map), 9);
+    EXPECT_EQ(ZorUtilDataFaceMapGetNFaces(map), 5);
+}
+
 }  // namespace
