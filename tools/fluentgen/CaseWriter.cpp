@@ -46,6 +46,22 @@ std::string machineConfig(const Spec& spec) {
     return buf;
 }
 
+void writeComment(Out& out, const std::string& text) {
+    out.text("(0 \"");
+    out.text(text);
+    out.text("\")\n");
+}
+
+void writeGridSize(Out& out, const Mesh& mesh) {
+    out.text("(33 (");
+    out.dec(mesh.cellCount);
+    out.ch(' ');
+    out.dec(mesh.faceCount);
+    out.ch(' ');
+    out.dec(mesh.nodeCount);
+    out.text("))\n");
+}
+
 namespace {
 
 class CaseWriter {
@@ -55,11 +71,7 @@ class CaseWriter {
     void write();
 
   private:
-    void comment(const char* text) {
-        out_.text("(0 \"");
-        out_.text(text);
-        out_.text("\")\n");
-    }
+    void comment(const char* text) { writeComment(out_, text); }
     // "(id (" ... header numbers; the caller writes them and calls body().
     void open(int base, int family) {
         id_ = base + family;
@@ -171,13 +183,7 @@ void CaseWriter::write() {
     variables();
     if (spec_.extraSections) {
         comment("Grid size:");
-        out_.text("(33 (");
-        out_.dec(mesh_.cellCount);
-        out_.ch(' ');
-        out_.dec(mesh_.faceCount);
-        out_.ch(' ');
-        out_.dec(mesh_.nodeCount);
-        out_.text("))\n");
+        writeGridSize(out_, mesh_);
     }
     comment("Grid:");
     // Declarations of the totals, zone id 0.

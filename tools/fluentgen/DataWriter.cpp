@@ -143,11 +143,7 @@ class DataWriter {
     void write();
 
   private:
-    void comment(const std::string& text) {
-        out_.text("(0 \"");
-        out_.text(text);
-        out_.text("\")\n");
-    }
+    void comment(const std::string& text) { writeComment(out_, text); }
     void variables();
     void section(const DataSectionInfo& d);
     void residuals();
@@ -167,13 +163,7 @@ void DataWriter::write() {
     out_.text(machineConfig(spec_));
     out_.ch('\n');
     comment("Grid size:");
-    out_.text("(33 (");
-    out_.dec(mesh_.cellCount);
-    out_.ch(' ');
-    out_.dec(mesh_.faceCount);
-    out_.ch(' ');
-    out_.dec(mesh_.nodeCount);
-    out_.text("))\n");
+    writeGridSize(out_, mesh_);
     variables();
     std::vector<DataSectionInfo> sections = dataSectionsOf(spec_, mesh_);
     comment("Data:");

@@ -27,6 +27,10 @@ std::vector<DataSectionInfo> dataSectionsOf(const Spec& spec, const Mesh& mesh);
 std::vector<XmlItemInfo> xmlItemsOf(const Spec& spec);
 double flowTimeOf(const Spec& spec, int step);
 std::string machineConfig(const Spec& spec);
+// A comment section, (0 "text"), on a line of its own.
+void writeComment(Out& out, const std::string& text);
+// The grid size section of case and data files: (33 (cells faces nodes)), decimal.
+void writeGridSize(Out& out, const Mesh& mesh);
 void validate(const Spec& spec);
 
 }  // namespace detail
