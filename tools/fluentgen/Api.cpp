@@ -347,17 +347,7 @@ double Model::dataValue(const DataSectionInfo& d, int64_t element, int component
                     continue;
                 }
                 forEachFace(zi, [&](const int64_t* nodes, int n, int64_t, int64_t) {
-                    Vec3 s;
-                    for (int a = 0; a < n; ++a) {
-                        Vec3 p = m.node(nodes[a]);
-                        s.x += p.x;
-                        s.y += p.y;
-                        s.z += p.z;
-                    }
-                    s.x /= n;
-                    s.y /= n;
-                    s.z /= n;
-                    c.push_back(s);
+                    c.push_back(m.faceCentre(nodes, n));
                 });
             }
             it = impl_->faceCentres.emplace(d.zoneId, std::move(c)).first;

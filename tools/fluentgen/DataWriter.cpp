@@ -290,19 +290,7 @@ void DataWriter::section(const DataSectionInfo& d) {
     class FaceCentres : public FaceVisitor {
       public:
         FaceCentres(const Mesh& m, Values& v) : m_(m), v_(v) {}
-        void face(const int64_t* nodes, int n, int64_t, int64_t) override {
-            Vec3 c;
-            for (int a = 0; a < n; ++a) {
-                Vec3 p = m_.node(nodes[a]);
-                c.x += p.x;
-                c.y += p.y;
-                c.z += p.z;
-            }
-            c.x /= n;
-            c.y /= n;
-            c.z /= n;
-            v_.at(c);
-        }
+        void face(const int64_t* nodes, int n, int64_t, int64_t) override { v_.at(m_.faceCentre(nodes, n)); }
 
       private:
         const Mesh& m_;

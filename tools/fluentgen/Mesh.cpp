@@ -12,6 +12,20 @@ void Mesh::nodes(int64_t first, int64_t last, NodeVisitor& v) const {
     }
 }
 
+Vec3 Mesh::faceCentre(const int64_t* faceNodes, int n) const {
+    Vec3 c;
+    for (int a = 0; a < n; ++a) {
+        Vec3 p = node(faceNodes[a]);
+        c.x += p.x;
+        c.y += p.y;
+        c.z += p.z;
+    }
+    c.x /= n;
+    c.y /= n;
+    c.z /= n;
+    return c;
+}
+
 void Mesh::cells(size_t cellZone, CellVisitor& v) const {
     const CellZoneInfo& z = cellZones[cellZone];
     for (int64_t c = z.first; c <= z.last; ++c) {

@@ -50,6 +50,8 @@ class Mesh {
     virtual int cellType(int64_t cell) const = 0;
     virtual void cellNodes(int64_t cell, std::vector<int64_t>& out) const = 0;
     virtual Vec3 cellCentre(int64_t cell) const = 0;
+    // The mean of a face's n nodes.
+    Vec3 faceCentre(const int64_t* faceNodes, int n) const;
     virtual void cells(size_t cellZone, CellVisitor& v) const;
     // Faces of a zone; duplicate zones are served here from their originals.
     void faces(size_t faceZone, FaceVisitor& v) const;
