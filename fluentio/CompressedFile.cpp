@@ -10,30 +10,12 @@
 
 #include "fluentio/SectionReader.h"
 #include "host/ZorUtil.h"
+#include "support/AsciiCase.h"
 
 namespace {
 
 constexpr size_t kMessageSize = 4097;         // every message text is built in a buffer of this size
 constexpr unsigned kCopyBufferSize = 512000;  // bytes uncompressed per step
-
-// 'a' to 'z' folded to upper case; nothing else.
-char foldCase(char c) {
-    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-// True when name is at least as long as suffix and ends in it, without regard to case.
-bool endsWithNoCase(const char* name, const char* suffix) {
-    const size_t nameLength = std::strlen(name);
-    const size_t suffixLength = std::strlen(suffix);
-    if (nameLength < suffixLength)
-        return false;
-    const char* tail = name + nameLength - suffixLength;
-    for (size_t k = 0; k < suffixLength; ++k) {
-        if (foldCase(tail[k]) != foldCase(suffix[k]))
-            return false;
-    }
-    return true;
-}
 
 // A host string holding the first `length` characters of text, then `suffix`; null when out of memory.
 char* hostStringOf(const char* text, size_t length, const char* suffix) {
@@ -91,7 +73,7 @@ bool uncompressFluentFile(const char* name, char** uncompressedName, bool& saveU
                 name);
         } else {
             // The suffix tells the kind of file to those who classify names later.
-            const char* suffix = endsWithNoCase(name, "cas.gz") ? ".cas" : ".dat";
+            const char* suffix = asciiEndsWithIgnoringCase(name, "cas.gz") ? ".cas" : ".dat";
             newName = hostStringOf(tempName, std::strlen(tempName), suffix);
         }
         ZorUtilStringDealloc(&tempName);

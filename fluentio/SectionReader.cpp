@@ -30,6 +30,7 @@
 #include <new>
 
 #include "host/ZorUtil.h"
+#include "support/AsciiCase.h"
 
 static_assert(sizeof(off_t) == 8, "stream positions must be 64-bit");
 static_assert(sizeof(int) == 4 && sizeof(float) == 4 && sizeof(double) == 8,
@@ -73,27 +74,6 @@ class StreamLock {
   private:
     FILE* stream_;
 };
-
-// 'a' to 'z' folded to upper case; nothing else.
-char foldCase(char c) {
-    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-// True when name is at least as long as suffix and ends in it, without regard to case.
-bool endsWithNoCase(const char* name, const char* suffix) {
-    if (name == nullptr)
-        return false;
-    const size_t nameLength = std::strlen(name);
-    const size_t suffixLength = std::strlen(suffix);
-    if (nameLength < suffixLength)
-        return false;
-    const char* tail = name + nameLength - suffixLength;
-    for (size_t k = 0; k < suffixLength; ++k) {
-        if (foldCase(tail[k]) != foldCase(suffix[k]))
-            return false;
-    }
-    return true;
-}
 
 bool isIeeeFormat(const MachineConfig* config) {
     return (config->floatFormat & ~2) == 0;
@@ -218,11 +198,11 @@ bool sectionIdIsKnownSeries(int id) {
 // ---- File names and opening ----------------------------------------------------
 
 bool isGzipFileName(const char* name) {
-    return endsWithNoCase(name, ".gz");
+    return asciiEndsWithIgnoringCase(name, ".gz");
 }
 
 bool isDotZFileName(const char* name) {
-    return endsWithNoCase(name, ".Z");
+    return asciiEndsWithIgnoringCase(name, ".Z");
 }
 
 bool isCompressedFileName(const char* name) {

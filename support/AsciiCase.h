@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 
 // The byte with a to z turned into A to Z.
 inline char asciiToUpper(char c) {
@@ -34,4 +35,16 @@ inline bool asciiEqualsIgnoringCaseN(const char* a, const char* b, size_t n) {
         }
     }
     return true;
+}
+
+// True when text is at least as long as suffix and ends in it after folding;
+// a null text ends in nothing.
+inline bool asciiEndsWithIgnoringCase(const char* text, const char* suffix) {
+    if (text == nullptr) {
+        return false;
+    }
+    const size_t textLength = std::strlen(text);
+    const size_t suffixLength = std::strlen(suffix);
+    return textLength >= suffixLength &&
+           asciiEqualsIgnoringCaseN(text + textLength - suffixLength, suffix, suffixLength);
 }
