@@ -1,6 +1,8 @@
 #include "addon/LoadDriver.h"
 
+#include <cstdio>
 #include <cstring>
+#include <exception>
 #include <string>
 
 #include "addon/FileList.h"
@@ -12,12 +14,18 @@
 #include "dataset/AuxData.h"
 #include "dataset/GridZones.h"
 #include "dataset/VariableList.h"
+#include "host/Metadata.h"
 #include "host/TaskProgress.h"
 #include "host/ZorData.h"
 #include "host/ZorUtil.h"
+#include "metadata/MetadataConversion.h"
 #include "support/AsciiCase.h"
 
+using zorvane::dataio::MetadataDataset;
+using zorvane::dataio::MetadataDirector;
+using zorvane::zorutildataio::ClientDataVersion1Factory;
 using zorvane::zorutilutil::TaskProgress;
+namespace zorutildataio = zorvane::zorutildataio;
 
 namespace {
 
@@ -58,6 +66,53 @@ bool versionCanLoad(const LoadInstructions& li) {
     if (refusal != nullptr)
         ZorUtilDialogErrMsg(refusal);
     return refusal == nullptr;
+}
+
+// How the reading of a metadata file ended.
+enum class MetadataRead {
+    Restored,      // the record was filled from the file
+    OtherVersion,  // a file of a version this loader cannot read: scan as if there were none
+    Failed         // a damaged or unreadable file: the load stops with the long message
+};
+
+// Reads the metadata file of basePath + bareName and hands the data set to
+// restore, which fills the record (and throws what it finds wrong).
+template <typename Restore>
+MetadataRead readMetadata(MetadataDirector& director, const std::string& basePath,
+                          const std::string& bareName, Restore restore) {
+    try {
+        auto input = std::make_shared<zorvane::dataio::BufferedInputStream>(
+            std::make_shared<zorvane::dataio::FileInputStream>(
+                director.metadataFilename(basePath, bareName)));
+        auto dataset = std::make_unique<MetadataDataset>(zorutildataio::kClientDataVersion);
+        director.read(input, *dataset);
+        restore(*dataset);
+        return MetadataRead::Restored;
+    } catch (const zorvane::dataio::InvalidMetadataVersionException&) {
+        return MetadataRead::OtherVersion;
+    } catch (const std::exception&) {
+        return MetadataRead::Failed;
+    }
+}
+
+// Writes the metadata file of basePath + bareName from the data set that
+// fill makes. A failure costs only the cache: the load goes on, and a file
+// left half written is removed so that the next load scans again.
+template <typename Fill>
+void writeMetadata(MetadataDirector& director, const std::string& basePath, const std::string& bareName,
+                   Fill fill) {
+    std::string name;
+    try {
+        name = director.initializeMetadataFilename(basePath, bareName);
+        auto output = std::make_shared<zorvane::dataio::BufferedOutputStream>(
+            std::make_shared<zorvane::dataio::FileOutputStream>(name));
+        ClientDataVersion1Factory factory;
+        std::unique_ptr<MetadataDataset> dataset = fill(factory);
+        director.write(output, *dataset);
+    } catch (const std::exception&) {
+        if (!name.empty())
+            std::remove(name.c_str());
+    }
 }
 
 // Steps 2 to 14 of the road: the checks, the parse, the scans. False when
@@ -207,21 +262,56 @@ bool ScanCaseFile(CaseFile** caseFile, FluentSolution* solution, const char* fil
                   ZorSet zoneList, ZorSet zonesAdded, int32_t fileIndex, bool append, bool allPolyZones,
                   bool averageToNodes, int32_t averagingMethod, bool assignStrandIDs,
                   bool addZonesToExistingStrands, int32_t strandBase, int32_t* zoneOffset,
-                  int32_t unsteadyOption, double solutionTime, bool /*useMetadata*/,
+                  int32_t unsteadyOption, double solutionTime, bool useMetadata,
                   std::unique_ptr<TaskProgress> task) {
-    // Metadata files are neither read nor written by this version: every case is scanned.
     std::string basePath, bareName;
     SplitPathAndName(fileName, &basePath, &bareName);
+    // A metadata file describes the whole file: a load of a part of it neither reads nor writes one.
+    const bool restrictedLoad =
+        zoneList != nullptr || gridZones != GridZones_CellsAndBoundaries || allPolyZones;
 
     ZorUtilDataLoadBegin();
     task->setNumSteps(3);
     const bool began = task->begin("Scanning Fluent case file...");
+    MetadataDirector director;
+    bool fromMetadata = false;
     bool ok = false;
     if (!FilesArePreScanned) {
         if (began) {
             *caseFile = FluentSolutionNewCaseFile(solution, fileName);
-            if (*caseFile != nullptr)
-                ok = CaseFileScan(*caseFile, allPolyZones, task->createChildTask(1), nullptr);
+            if (*caseFile != nullptr) {
+                bool scan = true;
+                if (useMetadata && !restrictedLoad && director.metadataFileAvailable(basePath, bareName)) {
+                    switch (readMetadata(director, basePath, bareName,
+                                         [caseFile](const MetadataDataset& dataset) {
+                                             zorutildataio::restoreCaseFile(dataset, **caseFile);
+                                         })) {
+                        case MetadataRead::Restored:
+                            scan = false;
+                            fromMetadata = true;
+                            ok = true;
+                            break;
+                        case MetadataRead::OtherVersion:
+                            break;  // scanned as if there were no metadata file; the write replaces it
+                        case MetadataRead::Failed:
+                            ZorUtilDialogErrMsg((std::string("An error occurred while loading ") + fileName +
+                                                 " using its metadata file. " +
+                                                 "Please remove the metadata file located at " +
+                                                 director.metadataFilename(basePath, bareName) +
+                                                 " and, if the error persists, contact " +
+                                                 "Technical Support or refer to the documentation on how to "
+                                                 "disable metadata files in " +
+                                                 "the Fluent loader.")
+                                                    .c_str());
+                            scan = false;
+                            break;
+                    }
+                }
+                if (scan) {
+                    ok = CaseFileScan(*caseFile, allPolyZones, task->createChildTask(1),
+                                      director.variableMinMaxDeferredWriterFactory());
+                }
+            }
         }
     } else {
         ok = began && !task->isInterrupted();
@@ -233,9 +323,26 @@ bool ScanCaseFile(CaseFile** caseFile, FluentSolution* solution, const char* fil
         ok = CreateZorvaneGridZones(solution, *caseFile, gridZones, zoneList, zonesAdded, fileIndex, append,
                                     allPolyZones, averageToNodes, averagingMethod, assignStrandIDs,
                                     addZonesToExistingStrands, strandBase, strandId, unsteadyOption,
-                                    solutionTime, false, task->createChildTask(1));
+                                    solutionTime, fromMetadata, task->createChildTask(1));
         if (ok)
             setBoundaryAuxData(*caseFile);
+    }
+    if (ok && useMetadata && !fromMetadata && !restrictedLoad) {
+        CaseFile* record = *caseFile;
+        writeMetadata(director, basePath, bareName, [record](const ClientDataVersion1Factory& factory) {
+            std::unique_ptr<MetadataDataset> dataset = zorutildataio::datasetFromCaseFile(*record, factory);
+            // Every cell zone is kept, also those of zone type 32 that no list shows: the scan of a
+            // data file checks each of its Data sections against the zones of the case.
+            for (int32_t i = 0; i < record->numCellZones; ++i) {
+                zorutildataio::convertCellZone(record->cellZones[i], record->numDimensions, *dataset,
+                                               factory);
+            }
+            for (int32_t i = 0; i < record->numFaceZones; ++i) {
+                zorutildataio::convertFaceZone(record->faceZones[i], record->numDimensions, *dataset,
+                                               factory);
+            }
+            return dataset;
+        });
     }
     ok = task->end() && ok;
     ZorUtilDataLoadEnd();
@@ -247,21 +354,56 @@ bool ScanDataFile(DataFile** dataFile, FluentSolution* solution, const char* fil
                   ZorStringList varNameList, bool isRepeatDataFile, bool allPolyZones,
                   bool includeParticleData, bool /*assignStrandIDs*/, int32_t* zoneOffset,
                   int32_t /*ordinal*/, bool averageToNodes, int32_t averagingMethod, int32_t unsteadyOption,
-                  double solutionTime, bool /*useMetadata*/, int32_t* /*particleStrand*/,
+                  double solutionTime, bool useMetadata, int32_t* /*particleStrand*/,
                   const char* particleFileName, int32_t /*numFileSteps*/, bool loadAdditionalQuantities,
                   std::unique_ptr<TaskProgress> task) {
-    // Metadata files are neither read nor written by this version: every data file is scanned.
+    const bool particleFile = particleFileName != nullptr && particleFileName[0] != '\0';
+    const bool restrictedLoad = zoneList != nullptr || varNameList != nullptr ||
+                                gridZones != GridZones_CellsAndBoundaries || allPolyZones ||
+                                loadOption == LoadOption_ResidualsOnly || includeParticleData || particleFile;
     std::string basePath, bareName;
     SplitPathAndName(fileName, &basePath, &bareName);
     task->setNumSteps(5);
     const bool began = task->begin("Scanning Fluent data file...");
+    MetadataDirector director;
+    bool fromMetadata = false;
     bool ok = false;
     if (!FilesArePreScanned) {
         if (began) {
             *dataFile = FluentSolutionNewDataFile(solution, fileName, loadAdditionalQuantities);
             if (*dataFile != nullptr) {
-                ok = DataFileScan(solution, *dataFile, caseFile, static_cast<LoadOption>(loadOption),
-                                  task->createChildTask(1), nullptr);
+                bool scan = true;
+                if (useMetadata && !restrictedLoad && director.metadataFileAvailable(basePath, bareName)) {
+                    switch (readMetadata(director, basePath, bareName,
+                                         [dataFile](const MetadataDataset& dataset) {
+                                             zorutildataio::restoreDataFile(dataset, **dataFile);
+                                         })) {
+                        case MetadataRead::Restored:
+                            scan = false;
+                            fromMetadata = true;
+                            ok = true;
+                            break;
+                        case MetadataRead::OtherVersion:
+                            break;  // scanned as if there were no metadata file; the write replaces it
+                        case MetadataRead::Failed:
+                            ZorUtilDialogErrMsg((std::string("An error ocurred while loading ") + fileName +
+                                                 " using its metadata file. " +
+                                                 "Please remove the metadata file located at " +
+                                                 director.metadataFilename(basePath, bareName) +
+                                                 " and, if the error persists, contact " +
+                                                 "Technical Support or refer to the documentation on how to "
+                                                 "disable metadata files in " +
+                                                 "the Fluent loader.")
+                                                    .c_str());
+                            scan = false;
+                            break;
+                    }
+                }
+                if (scan) {
+                    ok = DataFileScan(solution, *dataFile, caseFile, static_cast<LoadOption>(loadOption),
+                                      task->createChildTask(1),
+                                      director.variableMinMaxDeferredWriterFactory());
+                }
             }
         }
     } else {
@@ -305,7 +447,7 @@ bool ScanDataFile(DataFile** dataFile, FluentSolution* solution, const char* fil
     const int32_t offset = zoneOffset != nullptr ? *zoneOffset : 0;
     if (ok) {
         ok = addDataFileVariables(solution, *dataFile, caseFile, varNameList, allPolyZones, averageToNodes,
-                                  averagingMethod, offset, false, task->createChildTask(1));
+                                  averagingMethod, offset, fromMetadata, task->createChildTask(1));
     }
     if (ok) {
         if (unsteadyOption == UnsteadyOption_ReadTimeFromDataFiles) {
@@ -318,13 +460,19 @@ bool ScanDataFile(DataFile** dataFile, FluentSolution* solution, const char* fil
     }
 
     // Particle zones are not made by this version.
-    const bool particleFile = particleFileName != nullptr && particleFileName[0] != '\0';
     if (ok && (zoneList != nullptr || includeParticleData || particleFile) &&
         ((*dataFile)->numParticles > 0 || particleFile)) {
         ZorUtilDialogErrMsg("Loading particle data is not available in this version of the Fluent loader.");
         ok = false;
     }
 
+    // The field table is sorted now, as a restore gives it back.
+    if (ok && useMetadata && !fromMetadata && !restrictedLoad) {
+        DataFile* record = *dataFile;
+        writeMetadata(director, basePath, bareName, [record](const ClientDataVersion1Factory& factory) {
+            return zorutildataio::datasetFromDataFile(*record, factory);
+        });
+    }
     ok = task->end() && ok;
     return ok;
 }
