@@ -25,9 +25,9 @@ no_data_set="fluentload: the load made no data set; nothing to pull or export"
 for option in --pull --threads --output "--compress[=LEVEL]" --summary-json --memory-budget; do
     "$fl" --help | grep -qF -- " $option " || fail "--help should document $option"
 done
-"$fl" -o "$work/out.vtu" "$FL_SOURCE_DIR/samples/square.cas" >/dev/null 2>&1
+"$fl" --no-metadata -o "$work/out.vtu" "$FL_SOURCE_DIR/samples/square.cas" >/dev/null 2>&1
 [ $? -eq 2 ] || fail "an export name other than .vtm or .pvd should exit 2"
-"$fl" --threads 0 "$FL_SOURCE_DIR/samples/square.cas" >/dev/null 2>&1
+"$fl" --no-metadata --threads 0 "$FL_SOURCE_DIR/samples/square.cas" >/dev/null 2>&1
 [ $? -eq 2 ] || fail "--threads 0 should exit 2"
 
 # A refused load still writes the JSON summary of what the host holds: nothing.
@@ -37,7 +37,7 @@ done
     || fail "the summary of a refused load should say there is no data set: $(cat "$work/missing.json")"
 
 # --quiet: nothing on standard output.
-"$fl" --no-progress --quiet "$FL_SOURCE_DIR/samples/square.cas" >"$work/quiet.out" 2>&1 || fail "square.cas should load"
+"$fl" --no-progress --no-metadata --quiet "$FL_SOURCE_DIR/samples/square.cas" >"$work/quiet.out" 2>&1 || fail "square.cas should load"
 [ -s "$work/quiet.out" ] && fail "--quiet should print nothing: $(cat "$work/quiet.out")"
 
 if [ ! -d "$samples" ]; then
@@ -51,7 +51,7 @@ data_file="$samples/rezamarzban__Fluent-Simulations/Tube2D-Combustion__combustio
 series_dir="$samples/aviacheslav__AnsysFluent"
 series_prefix="$series_dir/TriesOfAeroDynHeatProj_VsO__proj_AD_heat_2024-03-13__proj1_files__dp0__FFF__Fluent__FFF-1"
 
-"$fl" --no-progress --pull --threads 2 --summary-json "$work/pair.json" --messages "$work/pair.jsonl" \
+"$fl" --no-progress --no-metadata --pull --threads 2 --summary-json "$work/pair.json" --messages "$work/pair.jsonl" \
     -o "$work/pair.vtm" "$case_file" "$data_file" >"$work/out" 2>"$work/err"
 status=$?
 if [ $status -eq 1 ] && grep -qxF "$no_data_set" "$work/err"; then
@@ -72,7 +72,7 @@ fi
 
 # Under a memory budget of about one kilobyte the host unloads items between
 # requests and loads them again for the export; the values stay the same.
-"$fl" --no-progress --pull --threads 2 --memory-budget 0.001 --compress --summary-json "$work/budget.json" \
+"$fl" --no-progress --no-metadata --pull --threads 2 --memory-budget 0.001 --compress --summary-json "$work/budget.json" \
     -o "$work/budget.vtm" "$case_file" "$data_file" >"$work/budget.out" 2>"$work/budget.err"
 status=$?
 if [ $status -ne 0 ]; then
@@ -89,7 +89,7 @@ sys.exit(0 if a["zones"] == b["zones"] else 1)' "$work/pair.json" "$work/budget.
 fi
 
 # A case with two data files, as a collection of solution times.
-"$fl" --no-progress --pull --summary-json "$work/series.json" -o "$work/series.pvd" \
+"$fl" --no-progress --no-metadata --pull --summary-json "$work/series.json" -o "$work/series.pvd" \
     "$series_prefix.cas.gz" "$series_prefix-00000.dat.gz" "$series_prefix-00124.dat.gz" \
     >"$work/series.out" 2>"$work/series.err"
 status=$?

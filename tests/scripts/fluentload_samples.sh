@@ -37,7 +37,7 @@ checked=0
 while IFS= read -r -d '' file; do
     rel=${file#"$samples"/}
     checked=$((checked + 1))
-    "$fl" --no-progress --quiet --messages "$work/messages.jsonl" "$file" >"$work/out" 2>"$work/err"
+    "$fl" --no-progress --no-metadata --quiet --messages "$work/messages.jsonl" "$file" >"$work/out" 2>"$work/err"
     status=$?
     if [ -n "${refused[$rel]:-}" ]; then
         expected=$(printf '{"kind": "error", "text": "%s"}\n{"kind": "error", "text": "Error loading file %s"}' \
