@@ -106,6 +106,19 @@ size_t unloadAll() {
 ItemStats valueStats(ZorIndex zone, ZorIndex var) {
     return statsOf(valuesOf(zone, var));
 }
+bool valueRange(ZorIndex zone, ZorIndex var, double* minimum, double* maximum) {
+    std::shared_ptr<LodItem> item = valuesOf(zone, var);
+    if (item == nullptr)
+        return false;
+    const auto* values = static_cast<const ZorFieldDataImpl*>(item.get());
+    std::lock_guard<std::mutex> guard(item->mutex);
+    if (!values->hasMinMax)
+        return false;
+    *minimum = values->minimum;
+    *maximum = values->maximum;
+    return true;
+}
+
 ItemStats nodeMapStats(ZorIndex zone) {
     return statsOf(nodeMapOf(zone));
 }

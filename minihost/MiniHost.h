@@ -254,6 +254,9 @@ ItemStats valueStats(ZorIndex zone, ZorIndex var);
 ItemStats nodeMapStats(ZorIndex zone);
 ItemStats faceMapStats(ZorIndex zone);
 ItemStats faceNeighborStats(ZorIndex zone);
+// The range the host holds for a variable of a zone (given to it, or computed),
+// without loading the values; false when it holds none or there is no such item.
+bool valueRange(ZorIndex zone, ZorIndex var, double* minimum, double* maximum);
 // Bytes of storage of all loaded items of the data set.
 size_t loadedBytes();
 
