@@ -115,6 +115,41 @@ void writeMetadata(MetadataDirector& director, const std::string& basePath, cons
     }
 }
 
+// A data file's metadata describes it as it was scanned against the case file
+// of that load. When the case has changed since, so that a field no longer
+// fits the size of its zone, the data file is scanned again: the scan then
+// says what is wrong, as it does without a cache.
+bool fieldsFitCase(const DataFile& dataFile, const CaseFile* caseFile) {
+    if (caseFile == nullptr)
+        return false;
+    for (int32_t i = 0; i < dataFile.numDataFields; ++i) {
+        const DataField& field = dataFile.dataFields[i];
+        int64_t size = -1;
+        for (int32_t z = 0; size < 0 && z < caseFile->numCellZones; ++z) {
+            const CellZone& zone = caseFile->cellZones[z];
+            if (zone.zoneId == field.zoneId)
+                size = static_cast<int64_t>(zone.lastIndex) - zone.firstIndex + 1;
+        }
+        for (int32_t z = 0; size < 0 && z < caseFile->numFaceZones; ++z) {
+            const FaceZone& zone = caseFile->faceZones[z];
+            if (zone.zoneId == field.zoneId)
+                size = static_cast<int64_t>(zone.lastIndex) - zone.firstIndex + 1;
+        }
+        if (size != field.count)
+            return false;
+    }
+    return true;
+}
+
+// Empties a data file that a restore filled, for a scan.
+void clearRestoredDataFile(DataFile* dataFile) {
+    DataFileFreeContents(dataFile);
+    dataFile->machineConfig = MachineConfig{};
+    dataFile->flowTime = 0.0;
+    dataFile->deltaTimeSampled = 0.0;
+    dataFile->additionalQuantities->setNames({});
+}
+
 // Steps 2 to 14 of the road: the checks, the parse, the scans. False when
 // the load failed; messages of the parts are shown already, state.errorText
 // holds the driver's own.
@@ -379,9 +414,13 @@ bool ScanDataFile(DataFile** dataFile, FluentSolution* solution, const char* fil
                                              zorutildataio::restoreDataFile(dataset, **dataFile);
                                          })) {
                         case MetadataRead::Restored:
-                            scan = false;
-                            fromMetadata = true;
-                            ok = true;
+                            if (fieldsFitCase(**dataFile, caseFile)) {
+                                scan = false;
+                                fromMetadata = true;
+                                ok = true;
+                            } else {
+                                clearRestoredDataFile(*dataFile);
+                            }
                             break;
                         case MetadataRead::OtherVersion:
                             break;  // scanned as if there were no metadata file; the write replaces it

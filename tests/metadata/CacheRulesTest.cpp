@@ -356,6 +356,21 @@ TEST_F(CacheRules, AStaleMetadataFileIsRescanned) {
     EXPECT_TRUE(dataRestored());
 }
 
+TEST_F(CacheRules, ADataFileWhoseCaseChangedSinceItsMetadataIsScannedAgainstTheNewCase) {
+    loadAndDrop();
+    // The case gets more cells; the data file and its metadata file stay.
+    fluentgen::Spec spec;
+    spec.cells = {3, 2, 2};
+    fluentgen::writeCaseFile(spec, case_);
+    EXPECT_FALSE(load());
+    const std::vector<Shown> withCache = shown();
+    dropEverything();
+    EXPECT_FALSE(load({"USE_METADATA", "No"}));
+    EXPECT_EQ(withCache, shown());
+    ASSERT_EQ(withCache.size(), 2u);
+    EXPECT_NE(withCache[0].second.find("size mismatch"), std::string::npos) << withCache[0].second;
+}
+
 TEST_F(CacheRules, AMetadataFileOfTheOtherByteOrderIsReadWithSwapping) {
     ASSERT_TRUE(load());
     const std::string scanned = describeDataSet(true);
