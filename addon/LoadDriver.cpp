@@ -135,7 +135,9 @@ bool fieldsFitCase(const DataFile& dataFile, const CaseFile* caseFile) {
             if (zone.zoneId == field.zoneId)
                 size = static_cast<int64_t>(zone.lastIndex) - zone.firstIndex + 1;
         }
-        if (size != field.count)
+        // A zone the case does not hold (one of type 32, which its metadata
+        // file leaves out) makes no host zone: its fields are passed over.
+        if (size >= 0 && size != field.count)
             return false;
     }
     return true;
@@ -366,9 +368,11 @@ bool ScanCaseFile(CaseFile** caseFile, FluentSolution* solution, const char* fil
         CaseFile* record = *caseFile;
         writeMetadata(director, basePath, bareName, [record](const ClientDataVersion1Factory& factory) {
             std::unique_ptr<MetadataDataset> dataset = zorutildataio::datasetFromCaseFile(*record, factory);
-            // Every cell zone is kept, also those of zone type 32 that no list shows: the scan of a
-            // data file checks each of its Data sections against the zones of the case.
+            // Cell zones of type 32 are left out: no list shows them and no host zone is made of
+            // them, so a restored case does without them.
             for (int32_t i = 0; i < record->numCellZones; ++i) {
+                if (record->cellZones[i].zoneType == 32)
+                    continue;
                 zorutildataio::convertCellZone(record->cellZones[i], record->numDimensions, *dataset,
                                                factory);
             }

@@ -420,6 +420,36 @@ TEST_F(CacheRules, RangesCachedAreThoseOfTheValuesLoadedAfterTheWriteAndNoOthers
     EXPECT_EQ(minihost::valueStats(1, var("X")).loads, 0);
 }
 
+TEST_F(CacheRules, CellZonesOfType32AreLeftOutOfTheMetadataFileAndTheDataSetIsTheSame) {
+    fluentgen::Spec spec;
+    spec.fields = fluentgen::standardFields(3, 3);
+    spec.cellZoneTypes = {1, 32, 17};
+    spec.cells = {3, 2, 2};
+    fluentgen::WrittenFiles files = fluentgen::writeFiles(spec, dir_, "parents");
+    const std::string casePath = files.caseFiles[0], dataPath = files.dataFiles[0];
+    minihost::resetRecords();
+    ASSERT_TRUE(loadPair(casePath, dataPath, {"USE_METADATA", "No"})) << testing::PrintToString(shown());
+    const std::string scanned = describeDataSet(true);
+    dropEverything();
+    ASSERT_TRUE(loadPair(casePath, dataPath)) << testing::PrintToString(shown());
+    const CaseFile* written = lastCaseFile();
+    ASSERT_EQ(written->numCellZones, 3);
+    ASSERT_EQ(written->cellZones[1].zoneType, 32);
+    std::unique_ptr<MetadataDataset> caseSet = readMetadataFile(metadataPathOf(casePath));
+    ASSERT_EQ(caseSet->zones().size(), static_cast<size_t>(2 + written->numFaceZones));
+    EXPECT_EQ(caseSet->zones()[0]->name(), written->cellZones[0].name);
+    EXPECT_EQ(caseSet->zones()[1]->name(), written->cellZones[2].name);
+    dropEverything();
+
+    minihost::resetRecords();
+    ASSERT_TRUE(loadPair(casePath, dataPath)) << testing::PrintToString(shown());
+    EXPECT_TRUE(caseRestored());
+    EXPECT_TRUE(dataRestored());
+    EXPECT_EQ(lastCaseFile()->numCellZones, 2);
+    EXPECT_EQ(describeDataSet(true), scanned);
+    EXPECT_TRUE(shown().empty()) << testing::PrintToString(shown());
+}
+
 TEST_F(CacheRules, ACaseOnlyLoadWritesTheCasesFileAlone) {
     minihost::resetRecords();
     ASSERT_TRUE(loadCase(case_));

@@ -148,6 +148,8 @@ inline std::string caseImage(const CaseFile* c) {
     }
     for (int32_t i = 0; i < c->numCellZones; ++i) {
         const CellZone& z = c->cellZones[i];
+        if (z.zoneType == 32)
+            continue;  // not kept in a metadata file: a restored case has none
         out << "cells " << z.sectionId << " " << z.zoneId << " " << z.firstIndex << " " << z.lastIndex << " "
             << z.selectionIndex << " '" << z.name << "' " << z.zoneType << " " << z.hostZoneType << " "
             << z.elementType << " " << z.numNodes << " " << z.numFaces << " " << z.numFaceNodes << " "
