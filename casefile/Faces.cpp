@@ -196,6 +196,28 @@ static inline int32_t byteSwap32(int32_t value) {
     return static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(value)));
 }
 
+// Copies up to `faces` whole faces of a fixed node count from `p` (each the
+// node numbers, then the two cells) into the zone's arrays from face `first`
+// on. Stops at the first face with a node number below 1, which the
+// face-by-face reader must report; answers how many faces were copied.
+template <int Nodes>
+static int64_t copyFixedFaces(const int32_t* p, int64_t faces, FaceZone* zone, int64_t first) {
+    int32_t* nodesOut = zone->faceNodes + first * Nodes;
+    int32_t* cellsOut = zone->faceCells + 2 * first;
+    for (int64_t f = 0; f < faces; ++f, p += Nodes + 2) {
+        int32_t smallest = p[0];
+        for (int k = 1; k < Nodes; ++k)
+            smallest = p[k] < smallest ? p[k] : smallest;
+        if (smallest < 1)
+            return f;
+        for (int k = 0; k < Nodes; ++k)
+            nodesOut[f * Nodes + k] = p[k];
+        cellsOut[2 * f] = p[Nodes];
+        cellsOut[2 * f + 1] = p[Nodes + 1];
+    }
+    return faces;
+}
+
 // The fast path for binary bodies of 4-byte integers: the body is read in
 // large blocks and taken apart in memory. It stops at the first face that
 // needs attention (a short read, a polygon, a bad node number) and answers
@@ -215,7 +237,7 @@ static int64_t readFacesInBlocks(CaseFile* caseFile, FaceZone* zone, FILE* strea
     int64_t consumed = 0;  // integers consumed since the body's start
     bool atEnd = false;
     int64_t i = 0;
-    for (; i < count; ++i) {
+    while (i < count) {
         // A face needs at most 1 + 4 + 2 integers; refill when fewer are left.
         if (have - used < 7 && !atEnd) {
             size_t left = have - used;
@@ -232,6 +254,31 @@ static int64_t readFacesInBlocks(CaseFile* caseFile, FaceZone* zone, FILE* strea
         }
         const int32_t* p = block.data() + used;
         size_t available = have - used;
+        if (!mixed && zone->faceType >= 2) {
+            // Every whole face of a fixed node count in the block at once.
+            const size_t width = static_cast<size_t>(zone->faceType) + 2;
+            const int64_t whole = std::min<int64_t>(static_cast<int64_t>(available / width), count - i);
+            if (whole > 0) {
+                int64_t copied = 0;
+                switch (zone->faceType) {
+                    case 2:
+                        copied = copyFixedFaces<2>(p, whole, zone, i);
+                        break;
+                    case 3:
+                        copied = copyFixedFaces<3>(p, whole, zone, i);
+                        break;
+                    default:
+                        copied = copyFixedFaces<4>(p, whole, zone, i);
+                        break;
+                }
+                used += static_cast<size_t>(copied) * width;
+                consumed += copied * static_cast<int64_t>(width);
+                i += copied;
+                if (copied < whole)
+                    break;  // face i needs the face-by-face reader
+                continue;
+            }
+        }
         int32_t nodes = zone->faceType;
         size_t need = static_cast<size_t>(nodes) + 2;
         if (mixed) {
@@ -264,6 +311,7 @@ static int64_t readFacesInBlocks(CaseFile* caseFile, FaceZone* zone, FILE* strea
         zone->faceCells[2 * i + 1] = p[nodes + 1];
         used += need;
         consumed += static_cast<int64_t>(need);
+        ++i;
     }
     clearerr(stream);
     if (fseeko(stream, static_cast<off_t>(start + consumed * 4), SEEK_SET) != 0) {

@@ -249,7 +249,7 @@ TEST_P(BinaryFacesTest, LargeBodyReadsExactly) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Encodings, BinaryFacesTest,
-                         ::testing::Combine(::testing::Values(0, 3, 4), ::testing::Bool()));
+                         ::testing::Combine(::testing::Values(0, 2, 3, 4), ::testing::Bool()));
 
 TEST_F(FacesTest, BinaryBadNodeNumberFarIntoTheBody) {
     CaseBytes file;
