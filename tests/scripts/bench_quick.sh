@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # bench/run --quick runs to its end and writes a complete JSON report: every
-# input with its five measures (raw read, section scans, scan, full load, VTK's
-# reader), each either with its runs, median and peak memory or with the
+# input with its seven measures (raw read, section scans, scan and full load
+# without and with the metadata files an earlier load wrote, VTK's reader), each either with its runs, median and peak memory or with the
 # reason it failed; the generated inputs measured in full. No time is checked: the figures
 # depend on the machine and on what else runs on it.
 set -uo pipefail
@@ -36,7 +36,8 @@ for key in ("date", "machine", "settings", "measures", "cases", "targets", "git"
         problems.append("no %r in the report" % key)
 settings = report.get("settings", {})
 runs = {"raw": settings.get("runs"), "sections": settings.get("runs"), "scan": settings.get("runs"),
-        "full": settings.get("runs"), "peer": settings.get("peer_runs")}
+        "scan+": settings.get("runs"), "full": settings.get("runs"), "full+": settings.get("runs"),
+        "peer": settings.get("peer_runs")}
 if not settings.get("quick") or runs["raw"] not in (1, 2) or runs["peer"] not in (1, 2):
     problems.append("settings are not those of --quick: %r" % settings)
 
@@ -54,7 +55,7 @@ for name, case in cases.items():
             problems.append("%s: no %r" % (name, key))
     if case.get("bytes", 0) <= 0:
         problems.append("%s: no bytes counted" % name)
-    for m in ("raw", "sections", "scan", "full", "peer"):
+    for m in ("raw", "sections", "scan", "scan+", "full", "full+", "peer"):
         s = case.get(m)
         if not isinstance(s, dict) or s.get("status") not in ("ok", "failed", "unavailable"):
             problems.append("%s: %s has no status" % (name, m))
@@ -78,9 +79,14 @@ for name, case in cases.items():
     if case.get("kind") == "fluentgen":
         if case.get("cells") != case.get("cells_expected"):
             problems.append("%s: %r cells, expected %r" % (name, case.get("cells"), case.get("cells_expected")))
-        if case.get("full", {}).get("status") == "ok" and case["full"].get("items", 0) <= 0:
-            problems.append("%s: the full load pulled nothing" % name)
-        for r in ("full_to_raw_time", "scan_to_raw_time") + (("full_to_peer_time", "full_to_peer_memory")
+        for m in ("full", "full+"):
+            if case.get(m, {}).get("status") == "ok" and case[m].get("items", 0) <= 0:
+                problems.append("%s: the %s load pulled nothing" % (name, m))
+        # The later load must find what the first one pulled: the same items.
+        if case.get("full", {}).get("items") != case.get("full+", {}).get("items"):
+            problems.append("%s: %r items pulled without metadata files, %r with them" % (
+                name, case.get("full", {}).get("items"), case.get("full+", {}).get("items")))
+        for r in ("full_to_raw_time", "cached_full_to_raw_time", "scan_to_raw_time") + (("full_to_peer_time", "full_to_peer_memory")
                                                              if vtk_present else ()):
             if not isinstance(case.get("ratios", {}).get(r), (int, float)):
                 problems.append("%s: no ratio %s" % (name, r))
@@ -89,6 +95,13 @@ for t in report.get("targets", []):
     for key in ("target", "value", "limit", "met", "note"):
         if key not in t:
             problems.append("target without %r: %r" % (key, t))
+
+# Every metadata file the benchmark wrote beside its inputs is gone again.
+for name, case in cases.items():
+    for path in (case.get("cas", ""), case.get("dat", "")):
+        meta = os.path.join(os.path.dirname(path), "." + os.path.basename(path) + ".zmeta")
+        if path and os.path.exists(meta):
+            problems.append("%s: %s left behind" % (name, os.path.basename(meta)))
 
 for p in problems:
     print("FAIL " + p)
