@@ -311,16 +311,16 @@ void ZorNodeMapImpl::makeStorage() {
     size_t slots = static_cast<size_t>(numElements) * static_cast<size_t>(nodesPerElement);
     if (wide) {
         if (wideNodes.empty())
-            wideNodes.assign(slots, 0);
+            wideNodes = minihost::data::ZeroedVector<int64_t>(slots);
     } else if (narrowNodes.empty()) {
-        narrowNodes.assign(slots, 0);
+        narrowNodes = minihost::data::ZeroedVector<int32_t>(slots);
     }
     ++version;
 }
 
 void ZorNodeMapImpl::dropStorage() {
-    narrowNodes = std::vector<int32_t>();
-    wideNodes = std::vector<int64_t>();
+    narrowNodes = minihost::data::ZeroedVector<int32_t>();
+    wideNodes = minihost::data::ZeroedVector<int64_t>();
     nodeToElem.reset();
     ++version;
 }

@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "host/ZorData.h"
+#include "minihost/ZeroedStorage.h"
 
 // ---- Items that may be loaded on demand -------------------------------------------
 
@@ -54,6 +55,8 @@ struct LodItem {
     virtual void dropStorage() = 0;
     // Bytes of storage held now (item mutex held).
     virtual size_t storageBytes() const = 0;
+    // The block the load callback fills, if the item has one (item mutex held).
+    virtual std::pair<void*, size_t> storageBlock() { return {nullptr, 0}; }
 };
 
 }  // namespace data
@@ -61,10 +64,10 @@ struct LodItem {
 
 // The values of one variable in one zone (possibly shared by zone copies).
 struct ZorFieldDataImpl : minihost::data::LodItem {
-    int32_t type = ZorFieldDataType_Float;      // a ZorFieldDataType
-    int32_t location = ZorValueLocation_Nodal;  // a ZorValueLocation
-    int64_t count = 0;                          // values: points or elements
-    std::vector<unsigned char> bytes;           // count values of `type`; empty while Unmade
+    int32_t type = ZorFieldDataType_Float;              // a ZorFieldDataType
+    int32_t location = ZorValueLocation_Nodal;          // a ZorValueLocation
+    int64_t count = 0;                                  // values: points or elements
+    minihost::data::ZeroedVector<unsigned char> bytes;  // count values of `type`; empty while Unmade
     ZorLoadValueCallback load = nullptr;
     ZorUnloadValueCallback unload = nullptr;
     ZorCleanupValueCallback cleanup = nullptr;
@@ -79,16 +82,17 @@ struct ZorFieldDataImpl : minihost::data::LodItem {
     void makeStorage() override;
     void dropStorage() override;
     size_t storageBytes() const override { return bytes.size(); }
+    std::pair<void*, size_t> storageBlock() override { return {bytes.data(), bytes.size()}; }
 };
 
 // The element-to-node map of a classic finite-element zone.
 struct ZorNodeMapImpl : minihost::data::LodItem {
     int64_t numElements = 0;
     int32_t nodesPerElement = 0;
-    int64_t numPoints = 0;             // nodes of the zone, for checks
-    bool wide = false;                 // 64-bit items
-    std::vector<int32_t> narrowNodes;  // zero-based; when !wide
-    std::vector<int64_t> wideNodes;    // zero-based; when wide
+    int64_t numPoints = 0;                              // nodes of the zone, for checks
+    bool wide = false;                                  // 64-bit items
+    minihost::data::ZeroedVector<int32_t> narrowNodes;  // zero-based; when !wide
+    minihost::data::ZeroedVector<int64_t> wideNodes;    // zero-based; when wide
     ZorLoadNodeMapCallback load = nullptr;
     ZorUnloadNodeMapCallback unload = nullptr;
     ZorCleanupNodeMapCallback cleanup = nullptr;
@@ -101,6 +105,11 @@ struct ZorNodeMapImpl : minihost::data::LodItem {
     void makeStorage() override;
     void dropStorage() override;
     size_t storageBytes() const override { return narrowNodes.size() * 4 + wideNodes.size() * 8; }
+    std::pair<void*, size_t> storageBlock() override {
+        if (wide)
+            return {wideNodes.data(), wideNodes.size() * 8};
+        return {narrowNodes.data(), narrowNodes.size() * 4};
+    }
     int64_t get(int64_t slot) const { return wide ? wideNodes[slot] : narrowNodes[slot]; }
     void set(int64_t slot, int64_t node) {
         if (wide) {

@@ -14,12 +14,11 @@ using namespace minihost::data;
 
 void ZorFieldDataImpl::makeStorage() {
     if (customGet == nullptr && bytes.empty())
-        bytes.assign(static_cast<size_t>(count) * valueSize(type), 0);
+        bytes = ZeroedVector<unsigned char>(static_cast<size_t>(count) * valueSize(type));
 }
 
 void ZorFieldDataImpl::dropStorage() {
-    bytes.clear();
-    bytes.shrink_to_fit();
+    bytes = ZeroedVector<unsigned char>();
 }
 
 namespace {

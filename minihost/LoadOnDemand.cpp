@@ -132,8 +132,14 @@ bool ensureLoaded(LodItem& item) {
     item.state = LodItem::Loading;
     item.loadingThread = std::this_thread::get_id();
     item.makeStorage();
+    const std::pair<void*, size_t> block = item.storageBlock();
     lock.unlock();
-    bool loaded = item.callLoad();
+    bool loaded;
+    {
+        // The block's pages come in on another thread while the add-on reads.
+        BackgroundPopulate populate(block.first, block.second);
+        loaded = item.callLoad();
+    }
     lock.lock();
     if (loaded) {
         item.state = LodItem::Loaded;
