@@ -3,7 +3,8 @@
 //
 // A case file's metadata holds one file entry (the bare name, with the
 // CaseFileClientDataVersion1 of the record) and one zone description per
-// cell zone, then per face zone, each in table order, with the zone's
+// cell zone but those of zone type 32, then per face zone, each in table
+// order, with the zone's
 // ZoneClientDataVersion1 and the ranges of its coordinates "X", "Y" (and
 // "Z"). A data file's metadata holds its entry (DataFileClientDataVersion1)
 // and the zone descriptions told at DataFileZoneClientDataInterface.
