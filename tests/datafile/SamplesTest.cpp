@@ -10,6 +10,7 @@
 #include <zlib.h>
 
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -183,6 +184,11 @@ bool isCellZone(const CaseFile* caseFile, int zoneId) {
 
 class Samples : public DataFileTest {
   protected:
+    void SetUp() override {
+        DataFileTest::SetUp();
+        if (!std::filesystem::is_directory(FL_SAMPLES_DIR))
+            GTEST_SKIP() << "no sample files in " << FL_SAMPLES_DIR;
+    }
     void TearDown() override {
         FluentResidualsClear();
         DataFileTest::TearDown();
