@@ -861,6 +861,7 @@ void deleteDataSet() {
 void shutdown() {
     data::deleteDataSet(false);
     notifyStateChange(ZorStateChange_QuitProgram);
+    removeTemporaryFiles();
 }
 
 std::vector<int32_t> hostStateChanges() {

@@ -2,8 +2,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -11,10 +13,20 @@
 #include "minihost/Internal.h"
 #include "minihost/MiniHost.h"
 
+namespace {
+
+// Every temporary name handed out, for the removal at shutdown.
+std::mutex tempNamesMutex;
+std::vector<std::string> tempNames;
+
+}  // namespace
+
 extern "C" {
 
 // Makes an empty file of a new name in $TMPDIR (or /tmp), so that no other
-// caller gets the same name, and hands out the name.
+// caller gets the same name, and hands out the name. The host keeps the name:
+// shutdown removes the file and what was written under it (see
+// removeTemporaryFiles).
 bool ZorUtilFileGetTempName(char** tempFileName) {
     if (tempFileName == nullptr)
         return false;
@@ -32,6 +44,10 @@ bool ZorUtilFileGetTempName(char** tempFileName) {
         return false;
     }
     close(fd);
+    {
+        std::lock_guard<std::mutex> guard(tempNamesMutex);
+        tempNames.emplace_back(name.data());
+    }
     *tempFileName = minihost::detail::hostStringCopy(name.data());
     return *tempFileName != nullptr;
 }
@@ -50,3 +66,27 @@ char* ZorUtilGetBasePath(const char* fileName) {
 }
 
 }  // extern "C"
+
+namespace minihost {
+
+void removeTemporaryFiles() {
+    std::vector<std::string> names;
+    {
+        std::lock_guard<std::mutex> guard(tempNamesMutex);
+        names.swap(tempNames);
+    }
+    // A loader writes its file under the name, or under the name with a
+    // suffix (an uncompressed case or data file), and the host's metadata
+    // library a metadata file beside each of those.
+    for (const std::string& name : names) {
+        const size_t slash = name.rfind('/');
+        const std::string folder = slash == std::string::npos ? "" : name.substr(0, slash + 1);
+        const std::string bare = slash == std::string::npos ? name : name.substr(slash + 1);
+        for (const char* suffix : {"", ".cas", ".dat"}) {
+            std::remove((name + suffix).c_str());
+            std::remove((folder + "." + bare + suffix + ".zmeta").c_str());
+        }
+    }
+}
+
+}  // namespace minihost

@@ -207,8 +207,13 @@ double progressFraction();
 // (with the add-on lock held), then listeners hear state change 8.
 void deleteDataSet();
 // What the host does when it quits: the data set goes (cleanups), then
-// listeners hear state change 15.
+// listeners hear state change 15, then the temporary files go.
 void shutdown();
+// Removes the files of every temporary name the host has handed out
+// (ZorUtilFileGetTempName): the name itself, the name with ".cas" or ".dat"
+// (where loaders put uncompressed copies), and the metadata files beside
+// them. Nothing may read them any more: shutdown calls it last.
+void removeTemporaryFiles();
 // State changes the host itself sent (8 for a data set gone, 19 for solution
 // times), in order; resetRecords forgets them.
 std::vector<int32_t> hostStateChanges();

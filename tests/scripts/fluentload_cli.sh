@@ -50,6 +50,9 @@ gzip -c "$square" >"$work/sq.cas.gz"
 "$fl" --no-progress --messages "$work/gz.jsonl" "$work/sq.cas.gz" >/dev/null 2>&1 || fail "a .cas.gz should load"
 [ -s "$work/gz.jsonl" ] && fail "a .cas.gz without a terminal should ask nothing: $(cat "$work/gz.jsonl")"
 [ -e "$work/sq.cas" ] && fail "without --save-uncompressed yes no copy goes beside the file"
+# The temporary copy (and the metadata file beside it) go when fluentload ends.
+left=$(find "$work" -name 'minihost-*' -o -name '.minihost-*')
+[ -n "$left" ] && fail "temporary files left behind: $left"
 # With the copy kept beside it: the second load asks whether to overwrite, answered no by --overwrite.
 "$fl" --no-progress --save-uncompressed yes "$work/sq.cas.gz" >/dev/null 2>&1 || fail "save yes should load"
 [ -e "$work/sq.cas" ] || fail "save yes should leave sq.cas beside the compressed file"
