@@ -262,16 +262,36 @@ bool coordVarLoad(ZorFieldData fieldData) {
     return ok;
 }
 
-bool coordVarUnload(ZorFieldData fieldData) {
-    ValueClientData* clientData = clientDataOf(fieldData);
-    ZorUtilLockStart(AddOnID);
-    CaseFile* caseFile = lodFindCaseFile(clientData->solutionId, clientData->caseIndex, nullptr);
-    if (caseFile != nullptr) {
-        ZorUtilThreadMutexLock(caseFile->mutex);
+// Gives back what a value's load took: its use of the case and, for a field,
+// its component of the values. An unload always gives them back; a cleanup
+// only when the value is loaded, and not at all once the table is empty (the
+// case is gone already, and nothing holds a use of it). Under the host lock,
+// with the case's mutex around the change.
+static void releaseValue(ValueClientData* clientData, bool isField, bool onlyIfLoaded) {
+    if (onlyIfLoaded && SolutionTableCount == 0)
+        return;
+    FluentSolution* solution = nullptr;
+    CaseFile* caseFile = lodFindCaseFile(clientData->solutionId, clientData->caseIndex, &solution);
+    if (caseFile == nullptr)
+        return;
+    DataField* field = nullptr;
+    if (isField) {
+        DataFile* dataFile = nullptr;
+        field = fieldOf(solution, clientData, &dataFile);
+    }
+    ZorUtilThreadMutexLock(caseFile->mutex);
+    if (!onlyIfLoaded || clientData->isLoaded) {
         clientData->isLoaded = false;
         CaseFileRelease(caseFile);
-        ZorUtilThreadMutexUnlock(caseFile->mutex);
+        if (field != nullptr)
+            dropComponent(field);
     }
+    ZorUtilThreadMutexUnlock(caseFile->mutex);
+}
+
+bool coordVarUnload(ZorFieldData fieldData) {
+    ZorUtilLockStart(AddOnID);
+    releaseValue(clientDataOf(fieldData), false, false);
     ZorUtilLockFinish(AddOnID);
     return true;
 }
@@ -279,18 +299,7 @@ bool coordVarUnload(ZorFieldData fieldData) {
 void coordVarCleanup(ZorFieldData fieldData) {
     ValueClientData* clientData = clientDataOf(fieldData);
     ZorUtilLockStart(AddOnID);
-    // With the table empty the case is gone already, and nothing holds a use of it.
-    if (SolutionTableCount > 0) {
-        CaseFile* caseFile = lodFindCaseFile(clientData->solutionId, clientData->caseIndex, nullptr);
-        if (caseFile != nullptr) {
-            ZorUtilThreadMutexLock(caseFile->mutex);
-            if (clientData->isLoaded) {
-                clientData->isLoaded = false;
-                CaseFileRelease(caseFile);
-            }
-            ZorUtilThreadMutexUnlock(caseFile->mutex);
-        }
-    }
+    releaseValue(clientData, false, true);
     ValueClientDataFree(clientData);
     ZorUtilLockFinish(AddOnID);
 }
@@ -367,20 +376,8 @@ bool fieldVarLoad(ZorFieldData fieldData) {
 }
 
 bool fieldVarUnload(ZorFieldData fieldData) {
-    ValueClientData* clientData = clientDataOf(fieldData);
     ZorUtilLockStart(AddOnID);
-    FluentSolution* solution = nullptr;
-    CaseFile* caseFile = lodFindCaseFile(clientData->solutionId, clientData->caseIndex, &solution);
-    if (caseFile != nullptr) {
-        DataFile* dataFile = nullptr;
-        DataField* field = fieldOf(solution, clientData, &dataFile);
-        ZorUtilThreadMutexLock(caseFile->mutex);
-        clientData->isLoaded = false;
-        CaseFileRelease(caseFile);
-        if (field != nullptr)
-            dropComponent(field);
-        ZorUtilThreadMutexUnlock(caseFile->mutex);
-    }
+    releaseValue(clientDataOf(fieldData), true, false);
     ZorUtilLockFinish(AddOnID);
     return true;
 }
@@ -388,23 +385,7 @@ bool fieldVarUnload(ZorFieldData fieldData) {
 void fieldVarCleanup(ZorFieldData fieldData) {
     ValueClientData* clientData = clientDataOf(fieldData);
     ZorUtilLockStart(AddOnID);
-    // With the table empty the case is gone already, and nothing holds a use of it.
-    if (SolutionTableCount > 0) {
-        FluentSolution* solution = nullptr;
-        CaseFile* caseFile = lodFindCaseFile(clientData->solutionId, clientData->caseIndex, &solution);
-        if (caseFile != nullptr) {
-            DataFile* dataFile = nullptr;
-            DataField* field = fieldOf(solution, clientData, &dataFile);
-            ZorUtilThreadMutexLock(caseFile->mutex);
-            if (clientData->isLoaded) {
-                clientData->isLoaded = false;
-                CaseFileRelease(caseFile);
-                if (field != nullptr)
-                    dropComponent(field);
-            }
-            ZorUtilThreadMutexUnlock(caseFile->mutex);
-        }
-    }
+    releaseValue(clientData, true, true);
     ValueClientDataFree(clientData);
     ZorUtilLockFinish(AddOnID);
 }
