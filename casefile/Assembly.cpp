@@ -23,8 +23,10 @@
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <vector>
 
 #include "casefile/CaseFileInternal.h"
+#include "support/BulkMemory.h"
 
 static const int kBrickFaceTable[6][4] = {{0, 3, 7, 4}, {2, 1, 5, 6}, {1, 0, 4, 5},
                                           {3, 2, 6, 7}, {0, 1, 2, 3}, {4, 5, 6, 7}};
@@ -466,6 +468,20 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
         ZorUtilDialogErrMsg("Out of memory while assembling cells from faces.");
         return false;
     }
+    // A second core faults the counters and the fresh local face numbers in
+    // from their ends (the counters first, then the zones from the last)
+    // while this one fills them from their starts, zone after zone.
+    std::vector<BulkRange> fresh;
+    for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+        const FaceZone* faceZone = &caseFile->faceZones[z];
+        if (faceZone->faceCells != nullptr && faceZone->faceConnectivity != nullptr) {
+            const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
+            fresh.push_back({faceZone->faceConnectivity,
+                             static_cast<size_t>(count > 0 ? 2 * count : 2) * sizeof(int32_t)});
+        }
+    }
+    fresh.push_back({counters, static_cast<size_t>(numCells > 0 ? numCells : 1) * sizeof(int32_t)});
+    BulkFaultIn faultIn(BulkOrder::OneAfterAnother, fresh);
     const int32_t first = zone->firstIndex, last = zone->lastIndex;
     const int32_t* oldToNew = zone->oldToNewNodes;
     const int32_t totalNodes = caseFile->totalNodes;
@@ -601,6 +617,7 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
             }
         }
     }
+    faultIn.finish();
     free(counters);
     return ok;
 }

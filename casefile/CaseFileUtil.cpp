@@ -1,12 +1,11 @@
 // Small helpers shared by the case file parsers.
-#include <sys/mman.h>
-
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
 #include "casefile/CaseFileInternal.h"
+#include "support/BulkMemory.h"
 
 void showErrorf(const char* format, ...) {
     char message[kMessageSize];
@@ -42,14 +41,8 @@ void* bulkCalloc(size_t count, size_t size) {
         count = 1;
     }
     void* block = calloc(count, size);
-    const size_t bytes = count * size;
-    if (block != nullptr && bytes >= (size_t(4) << 20)) {
-        const uintptr_t page = 4096;
-        const uintptr_t start = (reinterpret_cast<uintptr_t>(block) + page - 1) & ~(page - 1);
-        const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + bytes) & ~(page - 1);
-        if (end > start) {
-            (void)madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
-        }
+    if (block != nullptr) {
+        bulkAdviseHugePages(block, count * size);
     }
     return block;
 }

@@ -12,6 +12,7 @@
 #include <cstdlib>
 
 #include "casefile/CaseFileInternal.h"
+#include "support/BulkMemory.h"
 
 // The warning about a Nodes section of another dimension is shown once in
 // the life of the process. Touched by the scan only.
@@ -113,6 +114,8 @@ bool CaseFileLoadAllNodePositions(CaseFile* caseFile) {
         fclose(stream);
         return false;
     }
+    // A second core faults the fresh block in from its end while this one fills it.
+    BulkFaultIn faultIn(BulkOrder::OneAfterAnother, {{positions, (count > 0 ? count : 1) * sizeof(double)}});
     bool ok = true;
     for (int32_t i = 0; ok && i < caseFile->numNodeZones; ++i) {
         const NodeZone* zone = &caseFile->nodeZones[i];
@@ -131,6 +134,7 @@ bool CaseFileLoadAllNodePositions(CaseFile* caseFile) {
                                              stream, "Nodes", zone->sectionId, false);
         ok = ok && closeSection(zone->sectionId, "Nodes", zone->sectionId >= 2000, stream);
     }
+    faultIn.finish();
     fclose(stream);
     if (!ok) {
         free(positions);

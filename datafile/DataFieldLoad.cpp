@@ -5,8 +5,6 @@
 //   position -> count * dimension numbers, then ')' (ASCII) or the end marker
 //               "End of Binary Section %4d)" within 100 bytes (binary)
 
-#include <sys/mman.h>
-
 #include <cinttypes>
 #include <cstdint>
 #include <cstdlib>
@@ -16,23 +14,7 @@
 #include "datafile/DataFile.h"
 #include "datafile/DataFileInternal.h"
 #include "host/ZorUtil.h"
-
-// Asks the kernel to back a large, freshly allocated block with huge pages:
-// the read then takes one page fault per 2 MB instead of one per 4 kB, which
-// on a virtual machine is most of the cost of a binary load. Only the
-// page-aligned inside of the block is advised; the block stays a malloc block.
-static void adviseHugePages(void* block, size_t bytes) {
-    const size_t kLarge = size_t(4) << 20;
-    if (bytes < kLarge) {
-        return;
-    }
-    const uintptr_t page = 4096;
-    const uintptr_t start = (reinterpret_cast<uintptr_t>(block) + page - 1) & ~(page - 1);
-    const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + bytes) & ~(page - 1);
-    if (end > start) {
-        (void)madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
-    }
-}
+#include "support/BulkMemory.h"
 
 bool DataFileLoadDataField(DataFile* dataFile, DataField* field) {
     FILE* stream = openFilePath(dataFile->fileName, "rb");
@@ -66,7 +48,11 @@ bool DataFileLoadDataField(DataFile* dataFile, DataField* field) {
         fclose(stream);
         return false;
     }
-    adviseHugePages(field->values, static_cast<size_t>(bytes));
+    // Huge pages: the read then takes one page fault per 2 MB instead of one
+    // per 4 kB, which on a virtual machine is most of the cost of a binary
+    // load; and a second core faults the block in from its end meanwhile.
+    bulkAdviseHugePages(field->values, static_cast<size_t>(bytes));
+    BulkFaultIn faultIn(BulkOrder::OneAfterAnother, {{field->values, static_cast<size_t>(bytes)}});
     double* values = field->values;
     bool ok = true;
     if (field->fieldId == 970) {

@@ -1,7 +1,5 @@
 #include "lod/ClassicElemToNodeMapLOD.h"
 
-#include <sys/mman.h>
-
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -11,6 +9,7 @@
 #include "host/ZorData.h"
 #include "host/ZorUtil.h"
 #include "lod/ValueClientData.h"
+#include "support/BulkMemory.h"
 
 namespace zorvane {
 namespace zorutildataio {
@@ -23,20 +22,6 @@ ClassicElemToNodeMapLOD* objectOf(ZorNodeMap nodeMap) {
 
 // An unset slot as a raw map holds it: zero-based.
 constexpr int64_t kRawUnsetNode = UNSET_NODE - 1;
-
-// Asks the kernel to back a large, fresh block with huge pages: filling the
-// cell node array of a large zone then takes one page fault per 2 MB instead
-// of one per 4 kB. Only the page-aligned inside of the block is advised; the
-// block stays a malloc block.
-void adviseHugePages(void* block, size_t bytes) {
-    if (block == nullptr || bytes < (size_t(4) << 20))
-        return;
-    const uintptr_t page = 4096;
-    const uintptr_t start = (reinterpret_cast<uintptr_t>(block) + page - 1) & ~(page - 1);
-    const uintptr_t end = (reinterpret_cast<uintptr_t>(block) + bytes) & ~(page - 1);
-    if (end > start)
-        (void)madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
-}
 
 }  // namespace
 
@@ -181,13 +166,16 @@ bool ClassicElemToNodeMapLOD::loadCellZone(CaseFile* caseFile, ZorNodeMap nodeMa
         ZorUtilDialogErrMsg("Out of memory.");
         return false;
     }
-    adviseHugePages(cellNodes, bytes);
-    for (int64_t s = 0; s < slots; ++s)
-        cellNodes[s] = UNSET_NODE;
+    // Huge pages; and the array is set to UNSET_NODE on a second core while
+    // this one reads the faces and numbers the nodes.
+    bulkAdviseHugePages(cellNodes, bytes);
+    BulkFill unset(cellNodes, static_cast<size_t>(slots > 0 ? slots : 0), UNSET_NODE);
 
     const bool ok =
         CaseFileStoreFaceTreeChildren(caseFile) && CellZoneGetNewNodeNumbers(zone, caseFile, numNodes) &&
-        CellZoneAssembleFaces(caseFile, zone, zone->lastIndex - zone->firstIndex + 1, corners, cellNodes);
+        (unset.wait(),
+         CellZoneAssembleFaces(caseFile, zone, zone->lastIndex - zone->firstIndex + 1, corners, cellNodes));
+    unset.wait();
     ZorUtilDataNodeArraySetByRef(nodeMap, 1, slots, cellNodes);
     std::free(cellNodes);
     return ok;
