@@ -18,11 +18,13 @@
 //   face 1: 0 3 7 4    face 2: 2 1 5 6    face 3: 1 0 4 5
 //   face 4: 3 2 6 7    face 5: 0 1 2 3    face 6: 4 5 6 7
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "casefile/CaseFileInternal.h"
@@ -54,8 +56,14 @@ static inline bool freeOrEqual(int32_t slot, int32_t value) {
     return slot == UNSET_NODE || slot == value;
 }
 
+// Set on the threads of a quiet walk, which show no message: a failure is
+// repeated by the walk that reports.
+static thread_local bool tlsQuietAssembly = false;
+
 static bool assemblyError(int32_t cellNumber) {
-    showErrorf("Error assembling cell %d from faces.", cellNumber);
+    if (!tlsQuietAssembly) {
+        showErrorf("Error assembling cell %d from faces.", cellNumber);
+    }
     return false;
 }
 
@@ -73,7 +81,9 @@ static inline bool addFaceToTriangleInline(int32_t* localFace, int32_t cellNumbe
         return true;
     }
     if (a != slots[1] && b != slots[0]) {
-        showErrorf("Error adding face nodes %d and %d to cell %d.", a, b, cellNumber);
+        if (!tlsQuietAssembly) {
+            showErrorf("Error adding face nodes %d and %d to cell %d.", a, b, cellNumber);
+        }
         return false;
     }
     return assemblyError(cellNumber);
@@ -460,34 +470,59 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
 
 // ---- Assembly ------------------------------------------------------------------------------
 
-bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells, int32_t nodesPerCell,
-                           int32_t* cellNodes) {
-    int32_t* counters =
-        static_cast<int32_t*>(bulkCalloc(numCells > 0 ? static_cast<size_t>(numCells) : 1, sizeof(int32_t)));
-    if (counters == nullptr) {
-        ZorUtilDialogErrMsg("Out of memory while assembling cells from faces.");
-        return false;
+int32_t gParallelAssemblyMinCells = 50000;
+std::atomic<int64_t> gAssembliesInHalves{0};
+
+namespace {
+
+// What a walk over the faces does with the sides that lie in its cells.
+enum class WalkMode {
+    Report,  // adds each face to its cells; reads missing face zones; shows the first error
+    Quiet,   // the same, on a thread of its own: reads nothing, shows nothing, stops when told
+    Clear,   // sets the local face numbers of the sides to 0
+};
+
+// One walk over the faces of a case for the cells `low` to `high` of a zone.
+struct AssemblyWalk {
+    CaseFile* caseFile;
+    const CellZone* zone;
+    int32_t nodesPerCell;           // slots per cell in cellNodes
+    int32_t* cellNodes;             // the caller's slots, nodesPerCell per cell of the zone
+    int32_t* counters;              // faces added so far, one per cell of the zone
+    int32_t low;                    // first cell number taken (global numbering)
+    int32_t high;                   // last cell number taken
+    const std::atomic<bool>* stop;  // Quiet: set when the other half failed; NULL otherwise
+};
+
+}  // namespace
+
+// A cell met for the first time must still hold the caller's UNSET_NODE in
+// every slot: what a failed quiet walk changed is then known and undone.
+static inline bool freshRow(const AssemblyWalk& walk, int32_t cellIndex) {
+    if (walk.counters[cellIndex] != 0) {
+        return true;
     }
-    // A second core faults the counters and the fresh local face numbers in
-    // from their ends (the counters first, then the zones from the last)
-    // while this one fills them from their starts, zone after zone.
-    std::vector<BulkRange> fresh;
-    for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
-        const FaceZone* faceZone = &caseFile->faceZones[z];
-        if (faceZone->faceCells != nullptr && faceZone->faceConnectivity != nullptr) {
-            const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
-            fresh.push_back({faceZone->faceConnectivity,
-                             static_cast<size_t>(count > 0 ? 2 * count : 2) * sizeof(int32_t)});
+    const int32_t* row = walk.cellNodes + static_cast<int64_t>(walk.nodesPerCell) * cellIndex;
+    for (int32_t k = 0; k < walk.nodesPerCell; ++k) {
+        if (row[k] != UNSET_NODE) {
+            return false;
         }
     }
-    fresh.push_back({counters, static_cast<size_t>(numCells > 0 ? numCells : 1) * sizeof(int32_t)});
-    BulkFaultIn faultIn(BulkOrder::OneAfterAnother, fresh);
-    const int32_t first = zone->firstIndex, last = zone->lastIndex;
+    return true;
+}
+
+// Walks every face of the case in the order of the assembly: faces of four
+// nodes first, then those of fewer, zone after zone. False at the first
+// failure (Report: the message shown).
+template <WalkMode kMode>
+static bool walkFaces(const AssemblyWalk& walk) {
+    CaseFile* caseFile = walk.caseFile;
+    const CellZone* zone = walk.zone;
+    const int32_t first = zone->firstIndex;
     const int32_t* oldToNew = zone->oldToNewNodes;
     const int32_t totalNodes = caseFile->totalNodes;
     const int32_t hostZoneType = zone->hostZoneType;
     bool ok = true;
-
     for (int pass = 0; ok && pass < 2; ++pass) {
         for (int32_t z = 0; ok && z < caseFile->numFaceZones; ++z) {
             FaceZone* faceZone = &caseFile->faceZones[z];
@@ -514,12 +549,19 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
                     replacement = nullptr;
                 }
             }
-            if (faceZone->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, faceZone)) {
-                ok = false;
-                break;
-            }
-            if (replacement != nullptr && replacement->faceCells == nullptr &&
-                !CaseFileLoadFaceZone(caseFile, replacement)) {
+            if (kMode == WalkMode::Report) {
+                if (faceZone->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, faceZone)) {
+                    ok = false;
+                    break;
+                }
+                if (replacement != nullptr && replacement->faceCells == nullptr &&
+                    !CaseFileLoadFaceZone(caseFile, replacement)) {
+                    ok = false;
+                    break;
+                }
+            } else if (faceZone->faceCells == nullptr ||
+                       (replacement != nullptr && replacement->faceCells == nullptr)) {
+                // A zone to read: only the walk that reports may (checked before a quiet walk).
                 ok = false;
                 break;
             }
@@ -532,6 +574,11 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
             }
             const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
             for (int64_t i = 0; ok && i < count;) {
+                if (kMode == WalkMode::Quiet && (i & 0xffff) == 0 &&
+                    walk.stop->load(std::memory_order_relaxed)) {
+                    ok = false;  // the other half failed
+                    break;
+                }
                 const int32_t* nodes;
                 const int32_t* cells;
                 int32_t numNodes;
@@ -561,9 +608,16 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
                     continue;
                 }
                 const int32_t c0 = cells[0], c1 = cells[1];
-                const bool side0 = c0 >= first && c0 <= last;
-                const bool side1 = c1 >= first && c1 <= last;
-                if (side0 || side1) {
+                const bool side0 = c0 >= walk.low && c0 <= walk.high;
+                const bool side1 = c1 >= walk.low && c1 <= walk.high;
+                if (kMode == WalkMode::Clear) {
+                    if (side0) {
+                        faceZone->faceConnectivity[2 * i] = 0;
+                    }
+                    if (side1) {
+                        faceZone->faceConnectivity[2 * i + 1] = 0;
+                    }
+                } else if (side0 || side1) {
                     // The face's nodes in zone numbers, once for both sides.
                     int32_t mapped[4];
                     bool negative = false;
@@ -581,27 +635,39 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
                     if (side0) {
                         // Only this side checks the numbers.
                         if (negative) {
-                            ZorUtilDialogErrMsg("Error assembling cells from faces.");
+                            if (kMode == WalkMode::Report) {
+                                ZorUtilDialogErrMsg("Error assembling cells from faces.");
+                            }
                             ok = false;
                             break;
                         }
                         const int32_t cellIndex = c0 - first;
-                        ok = addFaceToCellInline(&faceZone->faceConnectivity[2 * i], cellIndex + 1,
-                                                 counters[cellIndex], mapped, numNodes, true,
-                                                 cellNodes + static_cast<int64_t>(nodesPerCell) * cellIndex,
-                                                 hostZoneType);
-                        counters[cellIndex] += 1;
+                        if (kMode == WalkMode::Quiet && !freshRow(walk, cellIndex)) {
+                            ok = false;
+                            break;
+                        }
+                        ok = addFaceToCellInline(
+                            &faceZone->faceConnectivity[2 * i], cellIndex + 1, walk.counters[cellIndex],
+                            mapped, numNodes, true,
+                            walk.cellNodes + static_cast<int64_t>(walk.nodesPerCell) * cellIndex,
+                            hostZoneType);
+                        walk.counters[cellIndex] += 1;
                         if (!ok) {
                             break;
                         }
                     }
                     if (side1) {
                         const int32_t cellIndex = c1 - first;
-                        ok = addFaceToCellInline(&faceZone->faceConnectivity[2 * i + 1], cellIndex + 1,
-                                                 counters[cellIndex], mapped, numNodes, false,
-                                                 cellNodes + static_cast<int64_t>(nodesPerCell) * cellIndex,
-                                                 hostZoneType);
-                        counters[cellIndex] += 1;
+                        if (kMode == WalkMode::Quiet && !freshRow(walk, cellIndex)) {
+                            ok = false;
+                            break;
+                        }
+                        ok = addFaceToCellInline(
+                            &faceZone->faceConnectivity[2 * i + 1], cellIndex + 1, walk.counters[cellIndex],
+                            mapped, numNodes, false,
+                            walk.cellNodes + static_cast<int64_t>(walk.nodesPerCell) * cellIndex,
+                            hostZoneType);
+                        walk.counters[cellIndex] += 1;
                         if (!ok) {
                             break;
                         }
@@ -617,6 +683,112 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
             }
         }
     }
+    return ok;
+}
+
+// True when a walk would read no face zone: all that take part are in memory.
+static bool faceZonesInMemory(CaseFile* caseFile) {
+    for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+        const FaceZone* faceZone = &caseFile->faceZones[z];
+        if (faceZone->boundaryType == 38 || faceZone->boundaryType > 1000) {
+            continue;
+        }
+        if (faceZone->faceCells == nullptr) {
+            return false;
+        }
+        if (faceZone->childFaceIndex >= 0) {
+            const ChildFace* record = &caseFile->childFaces[faceZone->childFaceIndex];
+            const FaceZone* replacement = CaseFileFindFaceZone(caseFile, record->parentZoneId, false);
+            if (replacement != nullptr && record->pairs != nullptr && replacement->faceCells == nullptr) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+// The two halves of a large zone on two threads. False when either failed
+// (or found a slot it did not expect, or no thread could be started): what
+// they did is then undone, and the caller walks again on one thread, which
+// fails at the same face with the same message.
+static bool assembleInHalves(const AssemblyWalk& whole) {
+    std::atomic<bool> stop{false};
+    AssemblyWalk lower = whole;
+    AssemblyWalk upper = whole;
+    lower.high = whole.low + (whole.high - whole.low) / 2;
+    upper.low = lower.high + 1;
+    lower.stop = &stop;
+    upper.stop = &stop;
+    bool upperOk = false;
+    std::thread other;
+    try {
+        other = std::thread([&upper, &upperOk, &stop] {
+            tlsQuietAssembly = true;
+            upperOk = walkFaces<WalkMode::Quiet>(upper);
+            if (!upperOk) {
+                stop.store(true, std::memory_order_relaxed);
+            }
+        });
+    } catch (...) {
+        return false;  // no thread: nothing was done
+    }
+    tlsQuietAssembly = true;
+    const bool lowerOk = walkFaces<WalkMode::Quiet>(lower);
+    tlsQuietAssembly = false;
+    if (!lowerOk) {
+        stop.store(true, std::memory_order_relaxed);
+    }
+    other.join();
+    if (lowerOk && upperOk) {
+        gAssembliesInHalves.fetch_add(1, std::memory_order_relaxed);
+        return true;
+    }
+    // Undo: cells met hold UNSET_NODE again, no face is counted, and no side
+    // of the zone has a local face number (a walk that fails never set one
+    // behind the face where it fails).
+    const int64_t numCells = static_cast<int64_t>(whole.high) - whole.low + 1;
+    for (int64_t c = 0; c < numCells; ++c) {
+        if (whole.counters[c] != 0) {
+            std::fill(whole.cellNodes + whole.nodesPerCell * c,
+                      whole.cellNodes + whole.nodesPerCell * (c + 1), UNSET_NODE);
+            whole.counters[c] = 0;
+        }
+    }
+    walkFaces<WalkMode::Clear>(whole);
+    return false;
+}
+
+bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells, int32_t nodesPerCell,
+                           int32_t* cellNodes) {
+    int32_t* counters =
+        static_cast<int32_t*>(bulkCalloc(numCells > 0 ? static_cast<size_t>(numCells) : 1, sizeof(int32_t)));
+    if (counters == nullptr) {
+        ZorUtilDialogErrMsg("Out of memory while assembling cells from faces.");
+        return false;
+    }
+    // A second core faults the counters and the fresh local face numbers in
+    // from their ends (the counters first, then the zones from the last)
+    // while this one fills them from their starts, zone after zone.
+    std::vector<BulkRange> fresh;
+    for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+        const FaceZone* faceZone = &caseFile->faceZones[z];
+        if (faceZone->faceCells != nullptr && faceZone->faceConnectivity != nullptr) {
+            const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
+            fresh.push_back({faceZone->faceConnectivity,
+                             static_cast<size_t>(count > 0 ? 2 * count : 2) * sizeof(int32_t)});
+        }
+    }
+    fresh.push_back({counters, static_cast<size_t>(numCells > 0 ? numCells : 1) * sizeof(int32_t)});
+    BulkFaultIn faultIn(BulkOrder::OneAfterAnother, fresh);
+
+    const AssemblyWalk walk = {caseFile,        zone,   nodesPerCell, cellNodes, counters, zone->firstIndex,
+                               zone->lastIndex, nullptr};
+    // Each cell sees its faces in the same order whichever thread walks it,
+    // so two halves give what one walk gives; a failure is left to one walk,
+    // for its message and for where it stops.
+    const bool halves = numCells >= 2 && numCells >= gParallelAssemblyMinCells &&
+                        numCells == zone->lastIndex - zone->firstIndex + 1 && faceZonesInMemory(caseFile);
+    const bool ok = (halves && assembleInHalves(walk)) || walkFaces<WalkMode::Report>(walk);
     faultIn.finish();
     free(counters);
     return ok;

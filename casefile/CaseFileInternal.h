@@ -1,6 +1,7 @@
 // Small helpers shared by the case file parsers; not part of the room's API.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 
@@ -38,6 +39,14 @@ bool faceZoneIsListed(const FaceZone* zone);
 // 2 MB rather than one per 4 kB. At least one element is allocated, so that
 // an empty array still reads as loaded. NULL when memory runs out.
 void* bulkCalloc(size_t count, size_t size);
+
+// Cell zones of at least this many cells are assembled by two threads, each
+// taking the cells of one half of the zone, when every face zone is in memory;
+// smaller zones by the calling thread alone. Tests lower it to reach small
+// zones, or raise it to keep one thread.
+extern int32_t gParallelAssemblyMinCells;
+// Assemblies that two threads completed, since the process began.
+extern std::atomic<int64_t> gAssembliesInHalves;
 
 // Opens the case file for binary reading with a stream of its own; on failure
 // shows "Error opening case file '<name>'" and returns NULL.
