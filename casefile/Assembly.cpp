@@ -345,7 +345,102 @@ static inline void markFaceNodes(int32_t* marks, int32_t totalNodes, const int32
     }
 }
 
-bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+// Marks the nodes of the faces of a zone of one node count (2, 3 or 4), in a
+// binary body of 4-byte integers, that have a cell of `first` to `last` on a
+// side, reading the body through a buffer and keeping nothing. On success the
+// stream stands behind the last face, where CaseFileLoadFaceZone closes the
+// section. False, nothing shown and perhaps some nodes marked, where the
+// load's block reader would hand a face to the face-by-face reader (a node
+// number below 1, a short read) or the file cannot be read: the caller then
+// loads the zone, which says what is wrong. Marks are only ever set, so those
+// of a false start are set again by the load.
+template <int Nodes>
+static bool markStreamedFaces(const CaseFile* caseFile, const FaceZone* faceZone, FILE* stream, int32_t first,
+                              int32_t last, int32_t* marks, int32_t totalNodes) {
+    constexpr int64_t kWidth = Nodes + 2;
+    constexpr int64_t kFacesPerBlock = 8192;
+    const bool swap = caseFile->machineConfig.byteOrder != hostByteOrder;
+    std::vector<int32_t> block(static_cast<size_t>(kWidth * kFacesPerBlock));
+    const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
+    for (int64_t done = 0; done < count;) {
+        const int64_t faces = std::min(kFacesPerBlock, count - done);
+        const size_t want = static_cast<size_t>(faces * kWidth);
+        if (fread(block.data(), sizeof(int32_t), want, stream) != want) {
+            return false;
+        }
+        if (swap) {
+            for (size_t k = 0; k < want; ++k) {
+                block[k] = static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(block[k])));
+            }
+        }
+        const int32_t* p = block.data();
+        for (int64_t f = 0; f < faces; ++f, p += kWidth) {
+            for (int k = 0; k < Nodes; ++k) {
+                if (p[k] < 1) {
+                    return false;
+                }
+            }
+            const int32_t c0 = p[Nodes], c1 = p[Nodes + 1];
+            if ((first <= c0 && c0 <= last) || (first <= c1 && c1 <= last)) {
+                markFaceNodes(marks, totalNodes, p, Nodes);
+            }
+        }
+        done += faces;
+    }
+    return true;
+}
+
+// Marks the nodes of a face zone that is not in memory for the numbering of
+// cell zone `zone`, without loading it: true when the zone's faces were read
+// and marked and its section closed. False with *failed clear when the zone
+// must be loaded instead (nothing shown); false with *failed set when closing
+// the section failed, the message shown as the load shows it.
+static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZone, const CellZone* zone,
+                                       int32_t* marks, int32_t totalNodes, bool* failed) {
+    *failed = false;
+    if (faceZone->sectionId < 2000 || caseFile->machineConfig.intSize != 4 || faceZone->faceType < 2 ||
+        faceZone->faceType > 4 || faceZone->childFaceIndex >= 0) {
+        return false;
+    }
+    FILE* stream = openFilePath(caseFile->fileName, "rb");
+    if (stream == nullptr) {
+        return false;
+    }
+    bool read = fseeko(stream, static_cast<off_t>(faceZone->filePosition), SEEK_SET) == 0;
+    if (read) {
+        switch (faceZone->faceType) {
+            case 2:
+                read = markStreamedFaces<2>(caseFile, faceZone, stream, zone->firstIndex, zone->lastIndex,
+                                            marks, totalNodes);
+                break;
+            case 3:
+                read = markStreamedFaces<3>(caseFile, faceZone, stream, zone->firstIndex, zone->lastIndex,
+                                            marks, totalNodes);
+                break;
+            default:
+                read = markStreamedFaces<4>(caseFile, faceZone, stream, zone->firstIndex, zone->lastIndex,
+                                            marks, totalNodes);
+                break;
+        }
+    }
+    if (!read) {
+        fclose(stream);
+        return false;
+    }
+    // Where the load would close the section, and with its message.
+    const bool closed = closeSection(faceZone->sectionId, "Faces", true, stream);
+    fclose(stream);
+    *failed = !closed;
+    return closed;
+}
+
+// The numbering of CellZoneGetNewNodeNumbers. With `keepFaces` false, face
+// zones that are not in memory are read through a buffer where they can be
+// (binary bodies of one face type in a case without face trees or child
+// faces, of at most two cell zones) rather than loaded: the numbering, the
+// messages and the result are the same, and a scan that needs only the zone's
+// node count does not hold every face of the case.
+static bool numberCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t totalNodes, bool keepFaces) {
     if (zone->oldToNewNodes != nullptr) {
         return true;
     }
@@ -366,8 +461,20 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
     }
 
     const int32_t first = zone->firstIndex, last = zone->lastIndex;
+    const bool streaming = !keepFaces && caseFile->numFaceTrees == 0 && caseFile->numChildFaces == 0 &&
+                           caseFile->numCellZones <= 2;
     for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
         FaceZone* faceZone = &caseFile->faceZones[z];
+        if (streaming && faceZone->faceCells == nullptr) {
+            bool failed = false;
+            if (markFaceZoneWithoutLoading(caseFile, faceZone, zone, marks, totalNodes, &failed)) {
+                continue;
+            }
+            if (failed) {
+                freeCellZoneNumbering(zone);
+                return false;
+            }
+        }
         if (faceZone->faceCells == nullptr) {
             bool loaded = CaseFileLoadFaceZone(caseFile, faceZone);
             if (faceZone->faceType == 5) {
@@ -466,6 +573,14 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
     }
     zone->numNodes = numNodes;
     return true;
+}
+
+bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+    return numberCellZoneNodes(zone, caseFile, totalNodes, true);
+}
+
+bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+    return numberCellZoneNodes(zone, caseFile, totalNodes, false);
 }
 
 // ---- Assembly ------------------------------------------------------------------------------
@@ -743,9 +858,11 @@ static bool assembleInHalves(const AssemblyWalk& whole) {
         gAssembliesInHalves.fetch_add(1, std::memory_order_relaxed);
         return true;
     }
-    // Undo: cells met hold UNSET_NODE again, no face is counted, and no side
-    // of the zone has a local face number (a walk that fails never set one
-    // behind the face where it fails).
+    // Undo: the cells met hold UNSET_NODE again, no face is counted, and the
+    // sides of the zone's cells have no local face number. That is how one
+    // thread finds them behind the face where it fails: the same faces make
+    // every assembly of the zone fail there, and only an assembly that gets
+    // through sets those numbers.
     const int64_t numCells = static_cast<int64_t>(whole.high) - whole.low + 1;
     for (int64_t c = 0; c < numCells; ++c) {
         if (whole.counters[c] != 0) {

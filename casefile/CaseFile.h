@@ -319,6 +319,11 @@ int32_t nodesPerCellOfHostZoneType(int32_t hostZoneType);
 // the zone's elementType becomes 7 and the numbering is left to the
 // polyhedral code.
 [[nodiscard]] bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t totalNodes);
+// The same numbering for a zone's node count alone: face zones that are not
+// in memory are read through a buffer and not kept where the case allows it
+// (binary bodies of one face type, no face trees or child faces, at most two
+// cell zones), and loaded otherwise. Same numbering, messages and result.
+[[nodiscard]] bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_t totalNodes);
 // Fills cellNodes (nodesPerCell slots per cell, preset to UNSET_NODE by the
 // caller) with one-based zone node numbers, face by face, and records each
 // face's local face number in faceConnectivity.

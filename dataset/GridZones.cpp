@@ -166,7 +166,8 @@ bool buildCellZone(ZoneBuild& b, int32_t index, TaskProgress* task) {
         refusePolytopes();
         return false;
     }
-    if (!b.fromMetadata && !CellZoneGetNewNodeNumbers(zone, caseFile, caseFile->totalNodes))
+    // Only the node count is needed here: the faces are not kept.
+    if (!b.fromMetadata && !CellZoneGetNodeCountWithoutFaces(zone, caseFile, caseFile->totalNodes))
         return false;
     if (zone->elementType == 7) {  // a face zone of the case turned out to hold polygons
         refusePolytopes();

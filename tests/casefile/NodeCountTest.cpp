@@ -1,0 +1,232 @@
+// The node count of a cell zone for the zones of a scan: face zones read
+// through a buffer and not kept, where the case allows it. The numbering,
+// the messages and the result are those of the numbering that loads the faces.
+#include <climits>
+#include <fstream>
+
+#include "CaseFileTestSupport.h"
+#include "tools/fluentgen/FluentGen.h"
+
+namespace casefile_test {
+namespace {
+
+using fluentgen::MeshKind;
+
+// What a numbering of every classic cell zone of a case left behind.
+struct Numbering {
+    bool ok = true;
+    std::vector<std::vector<int32_t>> newToOld;  // per cell zone; empty when not numbered
+    std::vector<int32_t> elementTypes;           // per cell zone
+    std::vector<std::string> messages;
+    int facesInMemory = 0;     // face zones with classic arrays afterwards
+    int oneFaceTypeZones = 0;  // face zones of one face type (2, 3 or 4) after the scan
+    int mixedZones = 0;        // the other face zones
+};
+
+class NodeCountTest : public CaseFileTest {
+  protected:
+    std::string write(const fluentgen::Spec& spec, const std::string& name = "count.cas") {
+        const std::string path = (folder_ / name).string();
+        fluentgen::writeCaseFile(spec, path);
+        return path;
+    }
+
+    // Scans the file and numbers every cell zone, one way or the other, as
+    // the zones of a load are made (within one use of the case).
+    Numbering number(const std::string& path, bool withoutFaces) {
+        minihost::resetRecords();
+        CaseFile* caseFile = newCaseFile(path);
+        Numbering out;
+        if (!CaseFileScan(caseFile, false, nullptr, nullptr)) {
+            out.ok = false;
+            out.messages = messageTexts();
+            return out;
+        }
+        for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+            const int32_t type = caseFile->faceZones[z].faceType;
+            out.oneFaceTypeZones += type >= 2 && type <= 4 ? 1 : 0;
+            out.mixedZones += type >= 2 && type <= 4 ? 0 : 1;
+        }
+        CaseFileUse use(caseFile);
+        for (int32_t i = 0; i < caseFile->numCellZones && out.ok; ++i) {
+            CellZone* zone = &caseFile->cellZones[i];
+            if (zone->zoneType == 32)
+                continue;
+            out.ok = withoutFaces ? CellZoneGetNodeCountWithoutFaces(zone, caseFile, caseFile->totalNodes)
+                                  : CellZoneGetNewNodeNumbers(zone, caseFile, caseFile->totalNodes);
+        }
+        for (int32_t i = 0; i < caseFile->numCellZones; ++i) {
+            const CellZone* zone = &caseFile->cellZones[i];
+            out.elementTypes.push_back(zone->elementType);
+            if (zone->newToOldNodes == nullptr)
+                out.newToOld.emplace_back();
+            else
+                out.newToOld.emplace_back(zone->newToOldNodes, zone->newToOldNodes + zone->numNodes);
+        }
+        for (int32_t z = 0; z < caseFile->numFaceZones; ++z)
+            out.facesInMemory += caseFile->faceZones[z].faceCells != nullptr ? 1 : 0;
+        out.messages = messageTexts();
+        return out;
+    }
+
+    // Both ways on one file: the same numbering, result and messages.
+    // Returns the numbering without faces.
+    Numbering compare(const std::string& path) {
+        const Numbering loading = number(path, false);
+        const Numbering streaming = number(path, true);
+        EXPECT_EQ(streaming.ok, loading.ok);
+        EXPECT_EQ(streaming.messages, loading.messages);
+        EXPECT_EQ(streaming.elementTypes, loading.elementTypes);
+        EXPECT_TRUE(streaming.newToOld == loading.newToOld) << "numbering differs";
+        return streaming;
+    }
+
+    // The byte place of node k of face i of the face zone with `zoneId`.
+    static int64_t facePlace(const std::string& path, int32_t zoneId, int64_t face, int k, int* width) {
+        CaseFile* caseFile = static_cast<CaseFile*>(calloc(1, sizeof(CaseFile)));
+        snprintf(caseFile->fileName, sizeof caseFile->fileName, "%s", path.c_str());
+        caseFile->mutex = ZorUtilThreadMutexAlloc();
+        int64_t place = -1;
+        if (CaseFileScan(caseFile, false, nullptr, nullptr)) {
+            const FaceZone* zone = CaseFileFindFaceZone(caseFile, zoneId, false);
+            if (zone != nullptr) {
+                *width = zone->faceType + 2;
+                place = zone->filePosition + (face * *width + k) * 4;
+                if (face < 0)  // the end of the body
+                    place = zone->filePosition +
+                            (static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1) * *width * 4;
+            }
+        }
+        CaseFileDelete(caseFile);
+        free(caseFile);
+        return place;
+    }
+
+    static void poke(const std::string& path, int64_t place, const std::string& bytes) {
+        std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(place);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    static std::string int32Bytes(int32_t value) {
+        return std::string(reinterpret_cast<const char*>(&value), 4);
+    }
+};
+
+fluentgen::Spec box(MeshKind kind, fluentgen::Encoding encoding = fluentgen::Encoding::BinaryDouble) {
+    fluentgen::Spec spec;
+    spec.mesh = kind;
+    spec.cells = {5, 4, 3};
+    spec.encoding = encoding;
+    return spec;
+}
+
+TEST_F(NodeCountTest, EveryKindOfMeshIsNumberedAsByLoadingWithoutKeepingFaces) {
+    for (MeshKind kind : {MeshKind::Hex, MeshKind::Tet, MeshKind::Wedge, MeshKind::Pyramid, MeshKind::Mixed,
+                          MeshKind::Quad, MeshKind::Tri, MeshKind::Mixed2D}) {
+        SCOPED_TRACE(static_cast<int>(kind));
+        const Numbering streaming = compare(write(box(kind)));
+        EXPECT_TRUE(streaming.ok);
+        EXPECT_TRUE(streaming.messages.empty()) << ::testing::PrintToString(streaming.messages);
+        // Zones of one face type were read without being kept; mixed ones
+        // (wedges, pyramids and mixed cells have some) were loaded.
+        if (kind == MeshKind::Hex || kind == MeshKind::Tet || kind == MeshKind::Quad ||
+            kind == MeshKind::Tri) {
+            EXPECT_GT(streaming.oneFaceTypeZones, 0);
+        }
+        EXPECT_EQ(streaming.facesInMemory, streaming.mixedZones);
+    }
+}
+
+TEST_F(NodeCountTest, OtherByteOrderAndTwoCellZonesAreReadWithoutKeepingFaces) {
+    fluentgen::Spec big = box(MeshKind::Tet);
+    big.byteOrder = fluentgen::ByteOrder::Big;
+    Numbering streaming = compare(write(big));
+    EXPECT_TRUE(streaming.ok);
+    EXPECT_EQ(streaming.facesInMemory, 0);
+
+    fluentgen::Spec two = box(MeshKind::Hex);
+    two.cells = {6, 3, 3};
+    two.cellZoneTypes = {1, 17};
+    streaming = compare(write(two));
+    EXPECT_TRUE(streaming.ok);
+    EXPECT_EQ(streaming.newToOld.size(), 2u);
+    EXPECT_EQ(streaming.facesInMemory, 0);
+}
+
+TEST_F(NodeCountTest, CasesItCannotStreamAreLoadedAsBefore) {
+    // Text bodies, mixed face zones and hanging nodes (face trees) are loaded.
+    for (int variant = 0; variant < 3; ++variant) {
+        SCOPED_TRACE(variant);
+        fluentgen::Spec spec =
+            box(MeshKind::Hex, variant == 0 ? fluentgen::Encoding::Ascii : fluentgen::Encoding::BinaryDouble);
+        spec.mixedFaceTypes = variant == 1;
+        spec.hanging = variant == 2;
+        const Numbering streaming = compare(write(spec));
+        EXPECT_TRUE(streaming.ok);
+        EXPECT_GT(streaming.facesInMemory, 0);
+    }
+}
+
+TEST_F(NodeCountTest, ABadNodeNumberGivesTheLoadsMessage) {
+    int width = 0;
+    // Interior faces are zone 2 in fluentgen's boxes; a boundary face too.
+    for (int32_t zoneId : {2, 5}) {
+        SCOPED_TRACE(zoneId);
+        const std::string damaged = write(box(MeshKind::Hex), "damaged" + std::to_string(zoneId) + ".cas");
+        const int64_t place = facePlace(damaged, zoneId, 7, 2, &width);
+        ASSERT_GT(place, 0);
+        poke(damaged, place, int32Bytes(0));
+        const Numbering streaming = compare(damaged);
+        EXPECT_FALSE(streaming.ok);
+        ASSERT_EQ(streaming.messages.size(), 1u);
+        EXPECT_EQ(streaming.messages[0],
+                  "Bad node number 0 for node 3 of face #8 in Faces section (Section 3013).");
+    }
+}
+
+TEST_F(NodeCountTest, FacesWithTheZoneOnSideOneOnlyAreCounted) {
+    const std::string path = write(box(MeshKind::Hex));
+    int width = 0;
+    ASSERT_GT(facePlace(path, 2, 0, 0, &width), 0);
+    // No cell on side 0 of any interior face: the nodes inside the box are
+    // reached through side 1 alone.
+    for (int64_t face = 0;; ++face) {
+        const int64_t end = facePlace(path, 2, -1, 0, &width);
+        const int64_t place = facePlace(path, 2, face, width - 2, &width);
+        if (place >= end)
+            break;
+        poke(path, place, int32Bytes(0));
+    }
+    const Numbering streaming = compare(path);
+    EXPECT_TRUE(streaming.ok);
+    ASSERT_EQ(streaming.newToOld.size(), 1u);
+    EXPECT_EQ(streaming.newToOld[0].size(), 6u * 5u * 4u);
+}
+
+TEST_F(NodeCountTest, ADamagedEndOfTheFacesGivesTheLoadsMessage) {
+    const std::string path = write(box(MeshKind::Hex));
+    int width = 0;
+    const int64_t end = facePlace(path, 2, -1, 0, &width);
+    ASSERT_GT(end, 0);
+    // ")\nEnd of Binary Section" follows the last face: the marker is spoilt,
+    // which fails the section without a message of its own.
+    poke(path, end + 2, "Xnd");
+    const Numbering streaming = compare(path);
+    EXPECT_FALSE(streaming.ok);
+    EXPECT_TRUE(streaming.messages.empty()) << ::testing::PrintToString(streaming.messages);
+}
+
+TEST_F(NodeCountTest, ACutFileGivesTheLoadsMessage) {
+    const std::string path = write(box(MeshKind::Hex));
+    int width = 0;
+    const int64_t place = facePlace(path, 2, 20, 1, &width);
+    ASSERT_GT(place, 0);
+    std::filesystem::resize_file(path, static_cast<uintmax_t>(place));
+    const Numbering streaming = compare(path);
+    EXPECT_FALSE(streaming.ok);
+    EXPECT_FALSE(streaming.messages.empty());
+}
+
+}  // namespace
+}  // namespace casefile_test
