@@ -35,6 +35,14 @@ class ThresholdGuard {
     int32_t saved_;
 };
 
+fluentgen::Spec box(MeshKind kind, std::array<int, 3> cells) {
+    fluentgen::Spec spec;
+    spec.mesh = kind;
+    spec.cells = cells;
+    spec.encoding = fluentgen::Encoding::BinaryDouble;
+    return spec;
+}
+
 class AssemblyThreadTest : public CaseFileTest {
   protected:
     // Writes and scans a fluentgen case; numbers the nodes of every cell zone
@@ -160,15 +168,27 @@ class AssemblyThreadTest : public CaseFileTest {
         }
         return -1;
     }
-};
 
-fluentgen::Spec box(MeshKind kind, std::array<int, 3> cells) {
-    fluentgen::Spec spec;
-    spec.mesh = kind;
-    spec.cells = cells;
-    spec.encoding = fluentgen::Encoding::BinaryDouble;
-    return spec;
-}
+    // Makes a box of hexahedra, spoils one interior face of a cell in the
+    // upper or the lower half of the zone with `damage`, and compares one
+    // thread with two; the outcome of one thread.
+    template <class Damage>
+    AssemblyOutcome compareDamaged(bool upper, Damage damage) {
+        minihost::resetRecords();
+        CaseFile* caseFile = prepare(box(MeshKind::Hex, {6, 6, 6}));
+        AssemblyOutcome one;
+        FaceZone* interior = interiorZone(caseFile);
+        const int64_t i = interior != nullptr ? faceInHalf(caseFile, interior, upper) : -1;
+        if (i < 0) {
+            ADD_FAILURE() << "no interior face in the half";
+        } else {
+            damage(caseFile, interior, i);
+            one = compareOneAndTwo(caseFile, 0, unsetSlots(&caseFile->cellZones[0]));
+        }
+        CaseFileRelease(caseFile);
+        return one;
+    }
+};
 
 TEST_F(AssemblyThreadTest, EveryKindOfMeshGivesWhatOneThreadGives) {
     for (MeshKind kind : {MeshKind::Hex, MeshKind::Tet, MeshKind::Wedge, MeshKind::Pyramid, MeshKind::Mixed,
@@ -210,37 +230,26 @@ TEST_F(AssemblyThreadTest, AssemblingTwiceGivesWhatOneThreadGives) {
 TEST_F(AssemblyThreadTest, AFaceThatFitsNoCellFailsAsWithOneThreadInEitherHalf) {
     for (bool upper : {false, true}) {
         SCOPED_TRACE(upper ? "upper half" : "lower half");
-        minihost::resetRecords();
-        CaseFile* caseFile = prepare(box(MeshKind::Hex, {6, 6, 6}));
-        FaceZone* interior = interiorZone(caseFile);
-        ASSERT_NE(interior, nullptr);
-        const int64_t i = faceInHalf(caseFile, interior, upper);
-        ASSERT_GE(i, 0);
         // Two nodes of the face swapped: its edges run across, not around.
-        std::swap(interior->faceNodes[4 * i + 1], interior->faceNodes[4 * i + 2]);
-        const AssemblyOutcome one = compareOneAndTwo(caseFile, 0, unsetSlots(&caseFile->cellZones[0]));
+        const AssemblyOutcome one = compareDamaged(upper, [](CaseFile*, FaceZone* interior, int64_t i) {
+            std::swap(interior->faceNodes[4 * i + 1], interior->faceNodes[4 * i + 2]);
+        });
         EXPECT_FALSE(one.ok);
         ASSERT_EQ(one.messages.size(), 1u) << ::testing::PrintToString(one.messages);
         EXPECT_EQ(one.messages[0].rfind("Error assembling cell ", 0), 0u) << one.messages[0];
         EXPECT_NE(one.messages[0].find(" from faces."), std::string::npos) << one.messages[0];
-        CaseFileRelease(caseFile);
     }
 }
 
 TEST_F(AssemblyThreadTest, ANodeOutsideTheCaseFailsAsWithOneThread) {
     for (bool upper : {false, true}) {
         SCOPED_TRACE(upper ? "upper half" : "lower half");
-        minihost::resetRecords();
-        CaseFile* caseFile = prepare(box(MeshKind::Hex, {6, 6, 6}));
-        FaceZone* interior = interiorZone(caseFile);
-        ASSERT_NE(interior, nullptr);
-        const int64_t i = faceInHalf(caseFile, interior, upper);
-        ASSERT_GE(i, 0);
-        interior->faceNodes[4 * i] = caseFile->totalNodes + 5;
-        const AssemblyOutcome one = compareOneAndTwo(caseFile, 0, unsetSlots(&caseFile->cellZones[0]));
+        const AssemblyOutcome one =
+            compareDamaged(upper, [](CaseFile* caseFile, FaceZone* interior, int64_t i) {
+                interior->faceNodes[4 * i] = caseFile->totalNodes + 5;
+            });
         EXPECT_FALSE(one.ok);
         EXPECT_EQ(one.messages, texts({"Error assembling cells from faces."}));
-        CaseFileRelease(caseFile);
     }
 }
 
