@@ -5,7 +5,10 @@
 #include <climits>
 #include <cstdlib>
 
+#include <set>
+
 #include "CaseFileTestSupport.h"
+#include "MeshChecks.h"
 #include "casefile/CaseFileInternal.h"
 #include "tools/fluentgen/FluentGen.h"
 
@@ -215,6 +218,48 @@ TEST_F(AssemblyThreadTest, MixedFacesHangingNodesAndTwoCellZonesGiveWhatOneThrea
     fluentgen::Spec ascii = box(MeshKind::Tet, {5, 4, 3});
     ascii.encoding = fluentgen::Encoding::Ascii;
     compareAllZones(ascii);
+}
+
+TEST_F(AssemblyThreadTest, ZonesAboveTheThresholdAreAssembledInHalvesAsTheGeneratorMadeThem) {
+    // At the threshold as it stands, through the numbering and assembly of
+    // the node map loader: every cell holds the nodes fluentgen gave it, and
+    // every zone turns one way.
+    for (MeshKind kind : {MeshKind::Hex, MeshKind::Tet}) {
+        SCOPED_TRACE(static_cast<int>(kind));
+        const fluentgen::Spec spec = box(
+            kind, kind == MeshKind::Hex ? std::array<int, 3>{40, 40, 33} : std::array<int, 3>{21, 21, 21});
+        const std::string path = (folder_ / "large.cas").string();
+        fluentgen::writeCaseFile(spec, path);
+        fluentgen::Model model(spec);
+        CaseFile* caseFile = newCaseFile(path);
+        ASSERT_TRUE(CaseFileScan(caseFile, false, nullptr, nullptr));
+        const CellZone* cellZone = &caseFile->cellZones[0];
+        ASSERT_GE(cellZone->lastIndex - cellZone->firstIndex + 1, gParallelAssemblyMinCells);
+        const int64_t halvesBefore = gAssembliesInHalves.load();
+        {
+            CaseFileUse use(caseFile);
+            AssembledCase assembled;
+            ASSERT_TRUE(assembleAllZones(caseFile, &assembled));
+            EXPECT_EQ(gAssembliesInHalves.load(), halvesBefore + 1);
+            ASSERT_FALSE(assembled.zones.empty());
+            const AssembledZone& zone = assembled.zones[0];
+            ASSERT_TRUE(zone.isCellZone);
+            EXPECT_EQ(zone.unsetSlots, 0);
+            EXPECT_TRUE(hasOneOrientation(caseFile, zone)) << orientationSummary(caseFile, zone);
+            size_t wrong = 0;
+            for (size_t e = 0; e < zone.numElements(); ++e) {
+                const std::vector<int64_t> expected =
+                    model.cellNodes(cellZone->firstIndex + static_cast<int64_t>(e));
+                const std::set<int64_t> want(expected.begin(), expected.end());
+                const std::set<int64_t> got(
+                    zone.globalNodes.begin() + static_cast<long>(e * zone.corners),
+                    zone.globalNodes.begin() + static_cast<long>((e + 1) * zone.corners));
+                wrong += want == got ? 0 : 1;
+            }
+            EXPECT_EQ(wrong, 0u);
+        }
+        EXPECT_TRUE(messageTexts().empty()) << ::testing::PrintToString(messageTexts());
+    }
 }
 
 TEST_F(AssemblyThreadTest, AssemblingTwiceGivesWhatOneThreadGives) {
