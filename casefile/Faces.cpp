@@ -342,8 +342,9 @@ bool CaseFileLoadFaceZone(CaseFile* caseFile, FaceZone* zone) {
     // fills them from their starts, all at one pace. The local face numbers
     // wait for the assembly.
     const size_t places = static_cast<size_t>(count > 0 ? count : 1);
+    const size_t nodePlaces = static_cast<size_t>(count > 0 ? count : 0) * static_cast<size_t>(stride);
     BulkFaultIn faultIn(BulkOrder::Together,
-                        {{zone->faceNodes, places * static_cast<size_t>(stride) * sizeof(int32_t)},
+                        {{zone->faceNodes, (nodePlaces > 0 ? nodePlaces : 1) * sizeof(int32_t)},
                          {zone->faceCells, 2 * places * sizeof(int32_t)},
                          {zone->faceNodeCounts, places * sizeof(int32_t)}});
     int64_t i = 0;
