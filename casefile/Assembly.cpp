@@ -22,9 +22,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 #include "casefile/CaseFileInternal.h"
@@ -336,7 +338,8 @@ static void freeCellZoneNumbering(CellZone* zone) {
     zone->oldToNewNodes = nullptr;
 }
 
-static inline void markFaceNodes(int32_t* marks, int32_t totalNodes, const int32_t* nodes, int32_t places) {
+template <typename Mark>
+static inline void markFaceNodes(Mark* marks, int32_t totalNodes, const int32_t* nodes, int32_t places) {
     for (int32_t k = 0; k < places; ++k) {
         int32_t node = nodes[k];
         if (node != 0 && node >= 1 && node <= totalNodes) {
@@ -345,25 +348,56 @@ static inline void markFaceNodes(int32_t* marks, int32_t totalNodes, const int32
     }
 }
 
-// Marks the nodes of the faces of a zone of one node count (2, 3 or 4), in a
-// binary body of 4-byte integers, that have a cell of `first` to `last` on a
-// side, reading the body through a buffer and keeping nothing. On success the
-// stream stands behind the last face, where CaseFileLoadFaceZone closes the
-// section. False, nothing shown and perhaps some nodes marked, where the
-// load's block reader would hand a face to the face-by-face reader (a node
-// number below 1, a short read) or the file cannot be read: the caller then
+// What marking a face zone that is not in memory needs: the zone, the cells
+// of the cell zone being numbered, and the marks (one int32 per case node).
+struct FaceMarking {
+    const CaseFile* caseFile;
+    const FaceZone* faceZone;
+    int32_t first;   // the cell zone's first cell
+    int32_t last;    // the cell zone's last cell
+    uint8_t* marks;  // one per case node, set to 1 for a node of the cell zone
+    int32_t totalNodes;
+    std::atomic<bool>* stop;  // set when the other thread failed; its result no longer matters
+};
+
+// Sets the mark of one node; a node outside the case is passed over. With a
+// second thread marking the same array the store is atomic (a plain store on
+// the machines this runs on).
+template <bool Shared>
+static inline void markNode(uint8_t* marks, int32_t totalNodes, int32_t node) {
+    if (node >= 1 && node <= totalNodes) {
+        if (Shared) {
+            __atomic_store_n(&marks[node - 1], 1, __ATOMIC_RELAXED);
+        } else {
+            marks[node - 1] = 1;
+        }
+    }
+}
+
+// Marks the nodes of faces `begin` to `end` (zero-based, end excluded) of a
+// zone of one node count (2, 3 or 4), in a binary body of 4-byte integers,
+// that have a cell of the cell zone on a side, reading the body through a
+// buffer from `stream`, which stands at face `begin`, and keeping nothing. On
+// success the stream stands behind face `end`. False, nothing shown and
+// perhaps some nodes marked, where the load's block reader would hand a face
+// to the face-by-face reader (a node number below 1, a short read), where the
+// file cannot be read, or where the other thread stopped it: the caller then
 // loads the zone, which says what is wrong. Marks are only ever set, so those
 // of a false start are set again by the load.
-template <int Nodes>
-static bool markStreamedFaces(const CaseFile* caseFile, const FaceZone* faceZone, FILE* stream, int32_t first,
-                              int32_t last, int32_t* marks, int32_t totalNodes) {
+template <int Nodes, bool Shared>
+static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end) {
     constexpr int64_t kWidth = Nodes + 2;
+    // Copies, so that the stores into the marks need not reload them.
+    const int32_t first = job.first, last = job.last, totalNodes = job.totalNodes;
+    uint8_t* const marks = job.marks;
     constexpr int64_t kFacesPerBlock = 8192;
-    const bool swap = caseFile->machineConfig.byteOrder != hostByteOrder;
+    const bool swap = job.caseFile->machineConfig.byteOrder != hostByteOrder;
     std::vector<int32_t> block(static_cast<size_t>(kWidth * kFacesPerBlock));
-    const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
-    for (int64_t done = 0; done < count;) {
-        const int64_t faces = std::min(kFacesPerBlock, count - done);
+    for (int64_t done = begin; done < end;) {
+        if (job.stop->load(std::memory_order_relaxed)) {
+            return false;
+        }
+        const int64_t faces = std::min(kFacesPerBlock, end - done);
         const size_t want = static_cast<size_t>(faces * kWidth);
         if (fread(block.data(), sizeof(int32_t), want, stream) != want) {
             return false;
@@ -382,12 +416,80 @@ static bool markStreamedFaces(const CaseFile* caseFile, const FaceZone* faceZone
             }
             const int32_t c0 = p[Nodes], c1 = p[Nodes + 1];
             if ((first <= c0 && c0 <= last) || (first <= c1 && c1 <= last)) {
-                markFaceNodes(marks, totalNodes, p, Nodes);
+                for (int k = 0; k < Nodes; ++k) {
+                    markNode<Shared>(marks, totalNodes, p[k]);
+                }
             }
         }
         done += faces;
     }
     return true;
+}
+
+template <bool Shared>
+static bool markStreamedFaceRange(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end) {
+    switch (job.faceZone->faceType) {
+        case 2:
+            return markStreamedFaces<2, Shared>(job, stream, begin, end);
+        case 3:
+            return markStreamedFaces<3, Shared>(job, stream, begin, end);
+        default:
+            return markStreamedFaces<4, Shared>(job, stream, begin, end);
+    }
+}
+
+// Byte place of face `face` (zero-based) of a binary zone of one node count.
+static off_t streamedFacePlace(const FaceZone* faceZone, int64_t face) {
+    return static_cast<off_t>(faceZone->filePosition + face * (faceZone->faceType + 2) * 4);
+}
+
+// The second thread's half: faces `begin` to `end` through a stream of its own.
+static bool markSecondHalf(const FaceMarking& job, int64_t begin, int64_t end) {
+    FILE* stream = openFilePath(job.caseFile->fileName, "rb");
+    if (stream == nullptr) {
+        return false;
+    }
+    bool read = fseeko(stream, streamedFacePlace(job.faceZone, begin), SEEK_SET) == 0 &&
+                markStreamedFaceRange<true>(job, stream, begin, end);
+    fclose(stream);
+    return read;
+}
+
+// Marks the faces of a face zone through `stream`, which stands at its first
+// face: a large zone by two threads, each taking one half of the faces, the
+// calling thread the first. On success the stream stands behind the last face.
+static bool markStreamedZone(FaceMarking job, FILE* stream) {
+    const int64_t count = static_cast<int64_t>(job.faceZone->lastIndex) - job.faceZone->firstIndex + 1;
+    std::atomic<bool> stop{false};
+    job.stop = &stop;
+    if (count < gParallelMarkMinFaces || count < 2) {
+        return markStreamedFaceRange<false>(job, stream, 0, count);
+    }
+    const int64_t half = count / 2;
+    bool secondRead = false;
+    std::thread second;
+    try {
+        second = std::thread([&job, &secondRead, &stop, half, count] {
+            secondRead = markSecondHalf(job, half, count);
+            if (!secondRead) {
+                stop.store(true, std::memory_order_relaxed);
+            }
+        });
+    } catch (...) {
+        // No thread: this one reads the whole zone.
+        return markStreamedFaceRange<false>(job, stream, 0, count);
+    }
+    bool read = markStreamedFaceRange<true>(job, stream, 0, half);
+    if (!read) {
+        stop.store(true, std::memory_order_relaxed);
+    }
+    second.join();
+    if (!read || !secondRead) {
+        return false;
+    }
+    gFaceZonesMarkedInHalves.fetch_add(1, std::memory_order_relaxed);
+    // Behind the last face, where reading every face would have left it.
+    return fseeko(stream, streamedFacePlace(job.faceZone, count), SEEK_SET) == 0;
 }
 
 // Marks the nodes of a face zone that is not in memory for the numbering of
@@ -396,7 +498,7 @@ static bool markStreamedFaces(const CaseFile* caseFile, const FaceZone* faceZone
 // must be loaded instead (nothing shown); false with *failed set when closing
 // the section failed, the message shown as the load shows it.
 static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZone, const CellZone* zone,
-                                       int32_t* marks, int32_t totalNodes, bool* failed) {
+                                       uint8_t* marks, int32_t totalNodes, bool* failed) {
     *failed = false;
     if (faceZone->sectionId < 2000 || caseFile->machineConfig.intSize != 4 || faceZone->faceType < 2 ||
         faceZone->faceType > 4 || faceZone->childFaceIndex >= 0) {
@@ -406,23 +508,9 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     if (stream == nullptr) {
         return false;
     }
-    bool read = fseeko(stream, static_cast<off_t>(faceZone->filePosition), SEEK_SET) == 0;
-    if (read) {
-        switch (faceZone->faceType) {
-            case 2:
-                read = markStreamedFaces<2>(caseFile, faceZone, stream, zone->firstIndex, zone->lastIndex,
-                                            marks, totalNodes);
-                break;
-            case 3:
-                read = markStreamedFaces<3>(caseFile, faceZone, stream, zone->firstIndex, zone->lastIndex,
-                                            marks, totalNodes);
-                break;
-            default:
-                read = markStreamedFaces<4>(caseFile, faceZone, stream, zone->firstIndex, zone->lastIndex,
-                                            marks, totalNodes);
-                break;
-        }
-    }
+    const FaceMarking job{caseFile, faceZone, zone->firstIndex, zone->lastIndex, marks, totalNodes, nullptr};
+    const bool read =
+        fseeko(stream, streamedFacePlace(faceZone, 0), SEEK_SET) == 0 && markStreamedZone(job, stream);
     if (!read) {
         fclose(stream);
         return false;
@@ -434,60 +522,52 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     return closed;
 }
 
-// The numbering of CellZoneGetNewNodeNumbers. With `keepFaces` false, face
-// zones that are not in memory are read through a buffer where they can be
-// (binary bodies of one face type in a case without face trees or child
-// faces, of at most two cell zones) rather than loaded: the numbering, the
-// messages and the result are the same, and a scan that needs only the zone's
-// node count does not hold every face of the case.
-static bool numberCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t totalNodes, bool keepFaces) {
-    if (zone->oldToNewNodes != nullptr) {
-        return true;
-    }
-    size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    zone->oldToNewNodes = static_cast<int32_t*>(bulkCalloc(places > 0 ? places : 1, sizeof(int32_t)));
-    if (zone->oldToNewNodes == nullptr) {
-        return false;
-    }
-    int32_t* marks = zone->oldToNewNodes;
+// How a walk over the faces of a case for a cell zone's nodes ended.
+enum class NodeWalk {
+    Marked,    // every node of the zone is marked
+    Failed,    // a face zone could not be read or is broken; the message is shown
+    Polygons,  // a face zone holds polygons: the zone is a polyhedral one, numbered elsewhere
+};
 
+// Marks every node of the faces that bound cell zone `zone` (one mark per case
+// node, set to 1), loading the face zones that are not in memory. With
+// `streaming`, a face zone that is not in memory is read through a buffer and
+// not kept where it can be (see markFaceZoneWithoutLoading), and loaded
+// otherwise. A face zone that holds polygons makes the cell zone's
+// elementType 7, whether or not it could be loaded.
+template <typename Mark>
+static NodeWalk markCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t totalNodes, Mark* marks,
+                                  bool streaming) {
     // Face trees mark faceCells as their zones are loaded; with no trees this
     // loads nothing, and the marks make repeats harmless.
     for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
         if (caseFile->faceZones[z].faceCells == nullptr && !CaseFileTrackParentChildFaces(caseFile)) {
-            freeCellZoneNumbering(zone);
-            return false;
+            return NodeWalk::Failed;
         }
     }
 
     const int32_t first = zone->firstIndex, last = zone->lastIndex;
-    const bool streaming = !keepFaces && caseFile->numFaceTrees == 0 && caseFile->numChildFaces == 0 &&
-                           caseFile->numCellZones <= 2;
     for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
         FaceZone* faceZone = &caseFile->faceZones[z];
-        if (streaming && faceZone->faceCells == nullptr) {
-            bool failed = false;
-            if (markFaceZoneWithoutLoading(caseFile, faceZone, zone, marks, totalNodes, &failed)) {
-                continue;
-            }
-            if (failed) {
-                freeCellZoneNumbering(zone);
-                return false;
+        if constexpr (std::is_same<Mark, uint8_t>::value) {
+            if (streaming && faceZone->faceCells == nullptr) {
+                bool failed = false;
+                if (markFaceZoneWithoutLoading(caseFile, faceZone, zone, marks, totalNodes, &failed)) {
+                    continue;
+                }
+                if (failed) {
+                    return NodeWalk::Failed;
+                }
             }
         }
         if (faceZone->faceCells == nullptr) {
             bool loaded = CaseFileLoadFaceZone(caseFile, faceZone);
             if (faceZone->faceType == 5) {
-                // The file holds polygons: the zone is a polyhedral one, numbered elsewhere.
                 zone->elementType = 7;
-                if (!loaded) {
-                    freeCellZoneNumbering(zone);
-                }
-                return loaded;
+                return loaded ? NodeWalk::Polygons : NodeWalk::Failed;
             }
             if (!loaded) {
-                freeCellZoneNumbering(zone);
-                return false;
+                return NodeWalk::Failed;
             }
         }
         const ChildFace* record = nullptr;
@@ -499,24 +579,20 @@ static bool numberCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t tota
             if (parent == nullptr) {
                 showErrorf("Face Zone ID = %d (referenced in data file) does not exist.",
                            record->parentZoneId);
-                freeCellZoneNumbering(zone);
-                return false;
+                return NodeWalk::Failed;
             }
             if (parent->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, parent)) {
-                freeCellZoneNumbering(zone);
-                return false;
+                return NodeWalk::Failed;
             }
             parentSlots = faceZoneSlots(parent);
             if (parentSlots == 0 || parent->faceNodes == nullptr) {
-                freeCellZoneNumbering(zone);
-                return false;
+                return NodeWalk::Failed;
             }
             parentZone = parent;
         }
         const int32_t slots = faceZoneSlots(faceZone);
         if (slots == 0) {
-            freeCellZoneNumbering(zone);
-            return false;
+            return NodeWalk::Failed;
         }
         const int32_t* cells = faceZone->faceCells;
         const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
@@ -544,6 +620,28 @@ static bool numberCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t tota
             markFaceNodes(marks, totalNodes, faceZone->faceNodes + i * slots, slots);
             ++i;
         }
+    }
+    return NodeWalk::Marked;
+}
+
+bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+    if (zone->oldToNewNodes != nullptr) {
+        return true;
+    }
+    size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
+    zone->oldToNewNodes = static_cast<int32_t*>(bulkCalloc(places > 0 ? places : 1, sizeof(int32_t)));
+    if (zone->oldToNewNodes == nullptr) {
+        return false;
+    }
+    int32_t* marks = zone->oldToNewNodes;
+    switch (markCellZoneNodes(zone, caseFile, totalNodes, marks, false)) {
+        case NodeWalk::Marked:
+            break;
+        case NodeWalk::Polygons:
+            return true;
+        case NodeWalk::Failed:
+            freeCellZoneNumbering(zone);
+            return false;
     }
 
     int32_t numNodes = 0;
@@ -575,18 +673,55 @@ static bool numberCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t tota
     return true;
 }
 
-bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
-    return numberCellZoneNodes(zone, caseFile, totalNodes, true);
-}
-
 bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
-    return numberCellZoneNodes(zone, caseFile, totalNodes, false);
+    if (zone->oldToNewNodes != nullptr) {
+        return true;
+    }
+    // One byte per node: a quarter of the memory traffic of the numbering's
+    // integers, and no numbering is left behind.
+    size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
+    std::unique_ptr<uint8_t[]> marks(new (std::nothrow) uint8_t[places > 0 ? places : 1]());
+    if (marks == nullptr) {
+        return false;
+    }
+    const bool streaming =
+        caseFile->numFaceTrees == 0 && caseFile->numChildFaces == 0 && caseFile->numCellZones <= 2;
+    switch (markCellZoneNodes(zone, caseFile, totalNodes, marks.get(), streaming)) {
+        case NodeWalk::Marked:
+            break;
+        case NodeWalk::Polygons:
+            return true;
+        case NodeWalk::Failed:
+            return false;
+    }
+    int32_t numNodes = 0;
+    for (size_t g = 0; g < places; ++g) {
+        numNodes += marks[g];
+    }
+    if (numNodes == 0) {
+        showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
+        return false;
+    }
+    // The numbering that a load makes needs this much; where it cannot be had,
+    // the count fails as the numbering would.
+    size_t bytes = static_cast<size_t>(numNodes) * sizeof(int32_t);
+    void* numbering = malloc(bytes);
+    if (numbering == nullptr) {
+        showErrorf("Unable to allocate %lu bytes of memory for nodes of zone ID %d\nin file '%s'.",
+                   static_cast<unsigned long>(bytes), zone->zoneId, caseFile->fileName);
+        return false;
+    }
+    free(numbering);
+    zone->numNodes = numNodes;
+    return true;
 }
 
 // ---- Assembly ------------------------------------------------------------------------------
 
 int32_t gParallelAssemblyMinCells = 50000;
 std::atomic<int64_t> gAssembliesInHalves{0};
+int64_t gParallelMarkMinFaces = 262144;
+std::atomic<int64_t> gFaceZonesMarkedInHalves{0};
 
 namespace {
 

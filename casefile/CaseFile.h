@@ -23,6 +23,7 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <memory_resource>
 
 #include "fluentio/SectionReader.h"
 #include "host/Metadata.h"
@@ -36,8 +37,20 @@ constexpr int32_t UNSET_NODE = 0x7ffffffe;
 // Host zone type standing for "not known" inside the add-on.
 constexpr int32_t kUnknownHostZoneType = 255;
 
-// Global node number -> zero-based index into a face zone's zoneNodes.
-typedef std::map<int32_t, int32_t> NodeNumberMap;
+// The block that the entries of a NodeNumberMap come from (a base, so that it
+// is made before the map and goes after it).
+struct NodeNumberPool {
+    std::pmr::monotonic_buffer_resource pool;
+};
+
+// Global node number -> zero-based index into a face zone's zoneNodes: an
+// ordered map whose entries come from a few large blocks, so that making and
+// freeing a map of many nodes costs a few allocations, not one per node.
+struct NodeNumberMap : private NodeNumberPool, public std::pmr::map<int32_t, int32_t> {
+    NodeNumberMap() : std::pmr::map<int32_t, int32_t>(&pool) {}
+    NodeNumberMap(const NodeNumberMap&) = delete;
+    NodeNumberMap& operator=(const NodeNumberMap&) = delete;
+};
 
 // One Nodes section with a zone id above 0.
 struct NodeZone {
@@ -319,10 +332,13 @@ int32_t nodesPerCellOfHostZoneType(int32_t hostZoneType);
 // the zone's elementType becomes 7 and the numbering is left to the
 // polyhedral code.
 [[nodiscard]] bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t totalNodes);
-// The same numbering for a zone's node count alone: face zones that are not
-// in memory are read through a buffer and not kept where the case allows it
-// (binary bodies of one face type, no face trees or child faces, at most two
-// cell zones), and loaded otherwise. Same numbering, messages and result.
+// The zone's node count alone (numNodes), as CellZoneGetNewNodeNumbers counts
+// it, with the same messages and result, but leaving no numbering behind
+// (oldToNewNodes and newToOldNodes stay NULL; a load makes them). Face zones
+// that are not in memory are read through a buffer and not kept where the
+// case allows it (binary bodies of one face type, no face trees or child
+// faces, at most two cell zones), a large one by two threads, and loaded
+// otherwise. True at once when the zone is numbered already.
 [[nodiscard]] bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_t totalNodes);
 // Fills cellNodes (nodesPerCell slots per cell, preset to UNSET_NODE by the
 // caller) with one-based zone node numbers, face by face, and records each

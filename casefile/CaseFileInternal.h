@@ -47,6 +47,13 @@ void* bulkCalloc(size_t count, size_t size);
 extern int32_t gParallelAssemblyMinCells;
 // Assemblies that two threads completed, since the process began.
 extern std::atomic<int64_t> gAssembliesInHalves;
+// Face zones of at least this many faces that a first scan reads for a cell
+// zone's node count without keeping them are read by two threads, each taking
+// one half of the faces; smaller ones by the calling thread alone. Tests lower
+// it to reach small zones.
+extern int64_t gParallelMarkMinFaces;
+// Face zones that two threads read and marked, since the process began.
+extern std::atomic<int64_t> gFaceZonesMarkedInHalves;
 
 // Opens the case file for binary reading with a stream of its own; on failure
 // shows "Error opening case file '<name>'" and returns NULL.

@@ -1,10 +1,13 @@
 // The node count of a cell zone for the zones of a scan: face zones read
-// through a buffer and not kept, where the case allows it. The numbering,
-// the messages and the result are those of the numbering that loads the faces.
+// through a buffer and not kept, where the case allows it, large ones by two
+// threads. The count, the messages and the result are those of the numbering
+// that loads the faces, and no numbering is left behind.
+#include <array>
 #include <climits>
 #include <fstream>
 
 #include "CaseFileTestSupport.h"
+#include "casefile/CaseFileInternal.h"
 #include "tools/fluentgen/FluentGen.h"
 
 namespace casefile_test {
@@ -16,6 +19,8 @@ using fluentgen::MeshKind;
 struct Numbering {
     bool ok = true;
     std::vector<std::vector<int32_t>> newToOld;  // per cell zone; empty when not numbered
+    std::vector<int32_t> counts;                 // per cell zone: numNodes, 0 when not counted
+    int numbered = 0;                            // cell zones left with oldToNewNodes
     std::vector<int32_t> elementTypes;           // per cell zone
     std::vector<std::string> messages;
     int facesInMemory = 0;     // face zones with classic arrays afterwards
@@ -58,6 +63,8 @@ class NodeCountTest : public CaseFileTest {
         for (int32_t i = 0; i < caseFile->numCellZones; ++i) {
             const CellZone* zone = &caseFile->cellZones[i];
             out.elementTypes.push_back(zone->elementType);
+            out.counts.push_back(zone->numNodes);
+            out.numbered += zone->oldToNewNodes != nullptr ? 1 : 0;
             if (zone->newToOldNodes == nullptr)
                 out.newToOld.emplace_back();
             else
@@ -69,15 +76,22 @@ class NodeCountTest : public CaseFileTest {
         return out;
     }
 
-    // Both ways on one file: the same numbering, result and messages.
-    // Returns the numbering without faces.
+    // Both ways on one file: the same counts, result and messages, and the
+    // count leaves no numbering. Returns the count's outcome.
     Numbering compare(const std::string& path) {
         const Numbering loading = number(path, false);
         const Numbering streaming = number(path, true);
         EXPECT_EQ(streaming.ok, loading.ok);
         EXPECT_EQ(streaming.messages, loading.messages);
         EXPECT_EQ(streaming.elementTypes, loading.elementTypes);
-        EXPECT_TRUE(streaming.newToOld == loading.newToOld) << "numbering differs";
+        if (loading.ok) {
+            EXPECT_EQ(streaming.counts, loading.counts);
+            for (size_t i = 0; i < loading.newToOld.size(); ++i)
+                EXPECT_EQ(static_cast<size_t>(loading.counts[i]), loading.newToOld[i].size());
+        }
+        EXPECT_EQ(streaming.numbered, 0);
+        for (const std::vector<int32_t>& numbering : streaming.newToOld)
+            EXPECT_TRUE(numbering.empty());
         return streaming;
     }
 
@@ -150,7 +164,7 @@ TEST_F(NodeCountTest, OtherByteOrderAndTwoCellZonesAreReadWithoutKeepingFaces) {
     two.cellZoneTypes = {1, 17};
     streaming = compare(write(two));
     EXPECT_TRUE(streaming.ok);
-    EXPECT_EQ(streaming.newToOld.size(), 2u);
+    EXPECT_EQ(streaming.counts.size(), 2u);
     EXPECT_EQ(streaming.facesInMemory, 0);
 }
 
@@ -200,8 +214,8 @@ TEST_F(NodeCountTest, FacesWithTheZoneOnSideOneOnlyAreCounted) {
     }
     const Numbering streaming = compare(path);
     EXPECT_TRUE(streaming.ok);
-    ASSERT_EQ(streaming.newToOld.size(), 1u);
-    EXPECT_EQ(streaming.newToOld[0].size(), 6u * 5u * 4u);
+    ASSERT_EQ(streaming.counts.size(), 1u);
+    EXPECT_EQ(streaming.counts[0], 6 * 5 * 4);
 }
 
 TEST_F(NodeCountTest, ADamagedEndOfTheFacesGivesTheLoadsMessage) {
@@ -226,6 +240,120 @@ TEST_F(NodeCountTest, ACutFileGivesTheLoadsMessage) {
     const Numbering streaming = compare(path);
     EXPECT_FALSE(streaming.ok);
     EXPECT_FALSE(streaming.messages.empty());
+}
+
+// Large face zones are read by two threads, each taking one half of the
+// faces. A low threshold sends the small zones of these boxes that way.
+class NodeCountThreadTest : public NodeCountTest {
+  protected:
+    void SetUp() override {
+        NodeCountTest::SetUp();
+        saved_ = gParallelMarkMinFaces;
+        gParallelMarkMinFaces = 8;
+    }
+    void TearDown() override {
+        gParallelMarkMinFaces = saved_;
+        NodeCountTest::TearDown();
+    }
+    // Face zones that two threads read during `run`.
+    template <typename Run>
+    static int64_t zonesInHalves(Run run) {
+        const int64_t before = gFaceZonesMarkedInHalves.load();
+        run();
+        return gFaceZonesMarkedInHalves.load() - before;
+    }
+
+  private:
+    int64_t saved_ = 0;
+};
+
+TEST_F(NodeCountThreadTest, TwoThreadsCountAsTheLoadingNumbering) {
+    struct Case {
+        MeshKind kind;
+        fluentgen::ByteOrder order;
+        std::array<int, 3> cells;  // z unused in 2D
+        bool is2D;
+    };
+    for (const Case& c : {Case{MeshKind::Hex, fluentgen::ByteOrder::Little, {7, 5, 4}, false},
+                          Case{MeshKind::Tet, fluentgen::ByteOrder::Big, {4, 4, 3}, false},
+                          Case{MeshKind::Quad, fluentgen::ByteOrder::Little, {9, 7, 1}, true},
+                          Case{MeshKind::Tri, fluentgen::ByteOrder::Big, {6, 5, 1}, true}}) {
+        SCOPED_TRACE(static_cast<int>(c.kind));
+        fluentgen::Spec spec = box(c.kind);
+        spec.cells = c.cells;
+        spec.byteOrder = c.order;
+        const std::string path = write(spec);
+        Numbering streaming;
+        EXPECT_GT(zonesInHalves([&] { streaming = compare(path); }), 0);
+        EXPECT_TRUE(streaming.ok);
+        EXPECT_EQ(streaming.facesInMemory, 0);
+        // Every node of a box belongs to its one cell zone.
+        int32_t nodes = (c.cells[0] + 1) * (c.cells[1] + 1) * (c.is2D ? 1 : c.cells[2] + 1);
+        ASSERT_EQ(streaming.counts.size(), 1u);
+        EXPECT_EQ(streaming.counts[0], nodes);
+    }
+}
+
+TEST_F(NodeCountThreadTest, TwoCellZonesEachCountTheirOwnNodes) {
+    fluentgen::Spec two = box(MeshKind::Hex);
+    two.cells = {8, 3, 3};
+    two.cellZoneTypes = {1, 17};
+    Numbering streaming;
+    EXPECT_GT(zonesInHalves([&] { streaming = compare(write(two)); }), 0);
+    EXPECT_TRUE(streaming.ok);
+    ASSERT_EQ(streaming.counts.size(), 2u);
+    // The two zones share the nodes of the plane between them.
+    EXPECT_EQ(streaming.counts[0] + streaming.counts[1], 9 * 4 * 4 + 4 * 4);
+}
+
+TEST_F(NodeCountThreadTest, ABadNodeInEitherHalfGivesTheLoadsMessage) {
+    fluentgen::Spec spec = box(MeshKind::Hex);
+    spec.cells = {7, 5, 4};
+    int width = 0;
+    const std::string probe = write(spec, "probe.cas");
+    const int64_t end = facePlace(probe, 2, -1, 0, &width);
+    const int64_t first = facePlace(probe, 2, 0, 0, &width);
+    ASSERT_GT(end, first);
+    const int64_t faces = (end - first) / (width * 4);
+    for (int64_t face : {int64_t{3}, faces / 2 + 3, faces - 1}) {
+        SCOPED_TRACE(face);
+        const std::string damaged = write(spec, "bad" + std::to_string(face) + ".cas");
+        poke(damaged, facePlace(damaged, 2, face, 1, &width), int32Bytes(-4));
+        const Numbering streaming = compare(damaged);
+        EXPECT_FALSE(streaming.ok);
+        ASSERT_EQ(streaming.messages.size(), 1u);
+        EXPECT_EQ(streaming.messages[0], "Bad node number -4 for node 2 of face #" +
+                                             std::to_string(face + 1) + " in Faces section (Section 3013).");
+    }
+}
+
+TEST_F(NodeCountThreadTest, AFileCutInTheSecondHalfGivesTheLoadsMessage) {
+    fluentgen::Spec spec = box(MeshKind::Hex);
+    spec.cells = {7, 5, 4};
+    const std::string path = write(spec);
+    int width = 0;
+    const int64_t end = facePlace(path, 2, -1, 0, &width);
+    const int64_t first = facePlace(path, 2, 0, 0, &width);
+    const int64_t faces = (end - first) / (width * 4);
+    std::filesystem::resize_file(path, static_cast<uintmax_t>(facePlace(path, 2, faces - 5, 2, &width)));
+    const Numbering streaming = compare(path);
+    EXPECT_FALSE(streaming.ok);
+    EXPECT_FALSE(streaming.messages.empty());
+}
+
+TEST_F(NodeCountThreadTest, ADamagedEndMarkerBehindTheSecondHalfFailsAsTheLoad) {
+    fluentgen::Spec spec = box(MeshKind::Hex);
+    spec.cells = {7, 5, 4};
+    const std::string path = write(spec);
+    int width = 0;
+    const int64_t end = facePlace(path, 2, -1, 0, &width);
+    ASSERT_GT(end, 0);
+    poke(path, end + 2, "Xnd");
+    Numbering streaming;
+    // Both halves are read before the marker is met.
+    EXPECT_GT(zonesInHalves([&] { streaming = compare(path); }), 0);
+    EXPECT_FALSE(streaming.ok);
+    EXPECT_TRUE(streaming.messages.empty()) << ::testing::PrintToString(streaming.messages);
 }
 
 }  // namespace
