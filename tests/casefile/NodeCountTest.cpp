@@ -262,6 +262,20 @@ class NodeCountThreadTest : public NodeCountTest {
         run();
         return gFaceZonesMarkedInHalves.load() - before;
     }
+    // A box of hexahedra whose interior face zone (id 2) goes to two threads.
+    std::string writeBox(const std::string& name = "count.cas") {
+        fluentgen::Spec spec = box(MeshKind::Hex);
+        spec.cells = {7, 5, 4};
+        return write(spec, name);
+    }
+    // Faces of the interior face zone of such a box.
+    static int64_t interiorFaces(const std::string& path) {
+        int width = 0;
+        const int64_t end = facePlace(path, 2, -1, 0, &width);
+        const int64_t first = facePlace(path, 2, 0, 0, &width);
+        EXPECT_GT(end, first);
+        return (end - first) / (width * 4);
+    }
 
   private:
     int64_t saved_ = 0;
@@ -307,17 +321,11 @@ TEST_F(NodeCountThreadTest, TwoCellZonesEachCountTheirOwnNodes) {
 }
 
 TEST_F(NodeCountThreadTest, ABadNodeInEitherHalfGivesTheLoadsMessage) {
-    fluentgen::Spec spec = box(MeshKind::Hex);
-    spec.cells = {7, 5, 4};
+    const int64_t faces = interiorFaces(writeBox("probe.cas"));
     int width = 0;
-    const std::string probe = write(spec, "probe.cas");
-    const int64_t end = facePlace(probe, 2, -1, 0, &width);
-    const int64_t first = facePlace(probe, 2, 0, 0, &width);
-    ASSERT_GT(end, first);
-    const int64_t faces = (end - first) / (width * 4);
     for (int64_t face : {int64_t{3}, faces / 2 + 3, faces - 1}) {
         SCOPED_TRACE(face);
-        const std::string damaged = write(spec, "bad" + std::to_string(face) + ".cas");
+        const std::string damaged = writeBox("bad" + std::to_string(face) + ".cas");
         poke(damaged, facePlace(damaged, 2, face, 1, &width), int32Bytes(-4));
         const Numbering streaming = compare(damaged);
         EXPECT_FALSE(streaming.ok);
@@ -328,13 +336,9 @@ TEST_F(NodeCountThreadTest, ABadNodeInEitherHalfGivesTheLoadsMessage) {
 }
 
 TEST_F(NodeCountThreadTest, AFileCutInTheSecondHalfGivesTheLoadsMessage) {
-    fluentgen::Spec spec = box(MeshKind::Hex);
-    spec.cells = {7, 5, 4};
-    const std::string path = write(spec);
+    const std::string path = writeBox();
+    const int64_t faces = interiorFaces(path);
     int width = 0;
-    const int64_t end = facePlace(path, 2, -1, 0, &width);
-    const int64_t first = facePlace(path, 2, 0, 0, &width);
-    const int64_t faces = (end - first) / (width * 4);
     std::filesystem::resize_file(path, static_cast<uintmax_t>(facePlace(path, 2, faces - 5, 2, &width)));
     const Numbering streaming = compare(path);
     EXPECT_FALSE(streaming.ok);
@@ -342,9 +346,7 @@ TEST_F(NodeCountThreadTest, AFileCutInTheSecondHalfGivesTheLoadsMessage) {
 }
 
 TEST_F(NodeCountThreadTest, ADamagedEndMarkerBehindTheSecondHalfFailsAsTheLoad) {
-    fluentgen::Spec spec = box(MeshKind::Hex);
-    spec.cells = {7, 5, 4};
-    const std::string path = write(spec);
+    const std::string path = writeBox();
     int width = 0;
     const int64_t end = facePlace(path, 2, -1, 0, &width);
     ASSERT_GT(end, 0);
