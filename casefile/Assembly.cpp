@@ -349,15 +349,15 @@ static inline void markFaceNodes(Mark* marks, int32_t totalNodes, const int32_t*
 }
 
 // What marking a face zone that is not in memory needs: the zone, the cells
-// of the cell zone being numbered, and the marks (one int32 per case node).
+// of the cell zone being counted, and the marks (one byte per case node).
 struct FaceMarking {
-    const CaseFile* caseFile;
-    const FaceZone* faceZone;
-    int32_t first;   // the cell zone's first cell
-    int32_t last;    // the cell zone's last cell
-    uint8_t* marks;  // one per case node, set to 1 for a node of the cell zone
-    int32_t totalNodes;
-    std::atomic<bool>* stop;  // set when the other thread failed; its result no longer matters
+    const CaseFile* caseFile;  // the case: file name and byte order
+    const FaceZone* faceZone;  // the zone read: body position, face range and type
+    int32_t first;             // the cell zone's first cell
+    int32_t last;              // the cell zone's last cell
+    uint8_t* marks;            // one per case node, set to 1 for a node of the cell zone
+    int32_t totalNodes;        // places of marks
+    std::atomic<bool>* stop;   // set when the other thread failed; its result no longer matters
 };
 
 // Sets the mark of one node; a node outside the case is passed over. With a
@@ -387,10 +387,10 @@ static inline void markNode(uint8_t* marks, int32_t totalNodes, int32_t node) {
 template <int Nodes, bool Shared>
 static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end) {
     constexpr int64_t kWidth = Nodes + 2;
+    constexpr int64_t kFacesPerBlock = 8192;
     // Copies, so that the stores into the marks need not reload them.
     const int32_t first = job.first, last = job.last, totalNodes = job.totalNodes;
     uint8_t* const marks = job.marks;
-    constexpr int64_t kFacesPerBlock = 8192;
     const bool swap = job.caseFile->machineConfig.byteOrder != hostByteOrder;
     std::vector<int32_t> block(static_cast<size_t>(kWidth * kFacesPerBlock));
     for (int64_t done = begin; done < end;) {
