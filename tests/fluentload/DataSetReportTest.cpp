@@ -530,7 +530,11 @@ TEST_F(DataSetReport, MemoryBudgetUnloadsItemsThatTheExportLoadsAgain) {
     int unloaded = 0;
     for (const testdata::Source& s : builder.sources())
         unloaded += s.unloads.load() > 0 ? 1 : 0;
-    EXPECT_GE(unloaded, static_cast<int>(builder.sources().size()) - 1);
+    // Each request unloads every other item before and after it, so only the
+    // last one stays; but a request for the neighbours inside a zone holds
+    // items together and unloads nothing, so when the two threads leave that
+    // one for last, the item asked for just before it stays as well.
+    EXPECT_GE(unloaded, static_cast<int>(builder.sources().size()) - 2);
 
     readback::TempDir dir;
     Description d = exportAndRead(dir, "budget.vtm", false);
