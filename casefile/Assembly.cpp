@@ -338,13 +338,24 @@ static void freeCellZoneNumbering(CellZone* zone) {
     zone->oldToNewNodes = nullptr;
 }
 
+// Sets the mark of one node (one mark per case node); a node outside the case
+// is passed over. With a second thread marking the same array the store is
+// atomic (a plain store on the machines this runs on).
+template <bool Shared, typename Mark>
+static inline void markNode(Mark* marks, int32_t totalNodes, int32_t node) {
+    if (node >= 1 && node <= totalNodes) {
+        if (Shared) {
+            __atomic_store_n(&marks[node - 1], Mark{1}, __ATOMIC_RELAXED);
+        } else {
+            marks[node - 1] = 1;
+        }
+    }
+}
+
 template <typename Mark>
 static inline void markFaceNodes(Mark* marks, int32_t totalNodes, const int32_t* nodes, int32_t places) {
     for (int32_t k = 0; k < places; ++k) {
-        int32_t node = nodes[k];
-        if (node != 0 && node >= 1 && node <= totalNodes) {
-            marks[node - 1] = 1;
-        }
+        markNode<false>(marks, totalNodes, nodes[k]);
     }
 }
 
@@ -359,20 +370,6 @@ struct FaceMarking {
     int32_t totalNodes;        // places of marks
     std::atomic<bool>* stop;   // set when the other thread failed; its result no longer matters
 };
-
-// Sets the mark of one node; a node outside the case is passed over. With a
-// second thread marking the same array the store is atomic (a plain store on
-// the machines this runs on).
-template <bool Shared>
-static inline void markNode(uint8_t* marks, int32_t totalNodes, int32_t node) {
-    if (node >= 1 && node <= totalNodes) {
-        if (Shared) {
-            __atomic_store_n(&marks[node - 1], 1, __ATOMIC_RELAXED);
-        } else {
-            marks[node - 1] = 1;
-        }
-    }
-}
 
 // Marks the nodes of faces `begin` to `end` (zero-based, end excluded) of a
 // zone of one node count (2, 3 or 4), in a binary body of 4-byte integers,
