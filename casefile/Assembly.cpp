@@ -338,18 +338,78 @@ static void freeCellZoneNumbering(CellZone* zone) {
     zone->oldToNewNodes = nullptr;
 }
 
-// Sets the mark of one node (one mark per case node); a node outside the case
-// is passed over. With a second thread marking the same array the store is
+// Sets one mark. With a second thread marking the same array the store is
 // atomic (a plain store on the machines this runs on).
+template <bool Shared, typename Mark>
+static inline void storeMark(Mark* mark) {
+    if (Shared) {
+        __atomic_store_n(mark, Mark{1}, __ATOMIC_RELAXED);
+    } else {
+        *mark = 1;
+    }
+}
+
+// Sets the mark of one node (one mark per case node); a node outside the case
+// is passed over.
 template <bool Shared, typename Mark>
 static inline void markNode(Mark* marks, int32_t totalNodes, int32_t node) {
     if (node >= 1 && node <= totalNodes) {
-        if (Shared) {
-            __atomic_store_n(&marks[node - 1], Mark{1}, __ATOMIC_RELAXED);
-        } else {
-            marks[node - 1] = 1;
+        storeMark<Shared>(&marks[node - 1]);
+    }
+}
+
+// Four 32-bit lanes: one SSE2 register, which every x86-64 has. (Wider
+// vectors are split lane by lane where the target lacks them.)
+typedef uint32_t Lanes __attribute__((vector_size(16)));
+typedef int32_t LaneFlags __attribute__((vector_size(16)));
+
+// Whether every one of `faces` rows of a block (Nodes nodes, then two cells)
+// has all its nodes in 1..totalNodes and its first cell in first..last, so
+// that every node of every face is marked with no test left to make. Four
+// rows fill Nodes + 2 groups of lanes exactly: lane l of group v always holds
+// place (4 v + l) mod (Nodes + 2) of a row, and one bound per lane checks it.
+template <int Nodes>
+static bool facesAreInside(const int32_t* rows, int64_t faces, int32_t totalNodes, int32_t first,
+                           int32_t last) {
+    constexpr int kWidth = Nodes + 2;
+    if (totalNodes < 1 || last < first) {
+        return false;
+    }
+    // A place is inside when value - low <= span, as unsigned numbers; the
+    // comparison is the signed one of SSE2 on both sides with the sign bit
+    // flipped. The second cell may hold anything.
+    const uint32_t kSign = 0x80000000u;
+    Lanes low[kWidth], span[kWidth];
+    for (int v = 0; v < kWidth; ++v) {
+        for (int l = 0; l < 4; ++l) {
+            const int place = (4 * v + l) % kWidth;
+            low[v][l] = place < Nodes ? 1u : place == Nodes ? static_cast<uint32_t>(first) : 0u;
+            const uint32_t width = place < Nodes ? static_cast<uint32_t>(totalNodes) - 1u
+                                   : place == Nodes
+                                       ? static_cast<uint32_t>(last) - static_cast<uint32_t>(first)
+                                       : UINT32_MAX;
+            span[v][l] = width ^ kSign;
         }
     }
+    LaneFlags outside = {0, 0, 0, 0};
+    int64_t f = 0;
+    for (; f + 4 <= faces; f += 4) {
+        const int32_t* group = rows + f * kWidth;
+        for (int v = 0; v < kWidth; ++v) {
+            Lanes x;
+            memcpy(&x, group + 4 * v, sizeof x);
+            outside |=
+                reinterpret_cast<LaneFlags>((x - low[v]) ^ kSign) > reinterpret_cast<LaneFlags>(span[v]);
+        }
+    }
+    bool inside = outside[0] == 0 && outside[1] == 0 && outside[2] == 0 && outside[3] == 0;
+    for (const int32_t* row = rows + f * kWidth; inside && f < faces; ++f, row += kWidth) {
+        for (int k = 0; k < Nodes; ++k) {
+            inside = inside && row[k] >= 1 && row[k] <= totalNodes;
+        }
+        inside = inside && first <= row[Nodes] && row[Nodes] <= last;
+    }
+    return inside;
 }
 
 template <typename Mark>
@@ -405,6 +465,16 @@ static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begi
             }
         }
         const int32_t* p = block.data();
+        if (facesAreInside<Nodes>(p, faces, totalNodes, first, last)) {
+            // The common block: every node of every face is marked.
+            for (int64_t f = 0; f < faces; ++f, p += kWidth) {
+                for (int k = 0; k < Nodes; ++k) {
+                    storeMark<Shared>(marks + (p[k] - 1));
+                }
+            }
+            done += faces;
+            continue;
+        }
         for (int64_t f = 0; f < faces; ++f, p += kWidth) {
             for (int k = 0; k < Nodes; ++k) {
                 if (p[k] < 1) {

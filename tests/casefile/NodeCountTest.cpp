@@ -2,6 +2,7 @@
 // through a buffer and not kept, where the case allows it, large ones by two
 // threads. The count, the messages and the result are those of the numbering
 // that loads the faces, and no numbering is left behind.
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <fstream>
@@ -197,6 +198,78 @@ TEST_F(NodeCountTest, ABadNodeNumberGivesTheLoadsMessage) {
         EXPECT_EQ(streaming.messages[0],
                   "Bad node number 0 for node 3 of face #8 in Faces section (Section 3013).");
     }
+}
+
+TEST_F(NodeCountTest, ABadNodeInAnyPlaceOfAFaceGivesTheLoadsMessage) {
+    // Faces are checked four at a time before a block is marked: a bad node
+    // in each place of the first four faces (every lane of every group) and
+    // in the last face (checked alone when the count is not a multiple of four).
+    for (MeshKind kind : {MeshKind::Hex, MeshKind::Tet, MeshKind::Quad}) {
+        SCOPED_TRACE(static_cast<int>(kind));
+        const std::string probe = write(box(kind), "probe.cas");
+        int width = 0;
+        const int64_t end = facePlace(probe, 2, -1, 0, &width);
+        const int64_t faces = (end - facePlace(probe, 2, 0, 0, &width)) / (width * 4);
+        ASSERT_GT(faces % 4, 0);
+        for (int64_t face : {int64_t{0}, int64_t{1}, int64_t{2}, int64_t{3}, faces - 1}) {
+            for (int k = 0; k < width - 2; ++k) {
+                SCOPED_TRACE(std::to_string(face) + " " + std::to_string(k));
+                const std::string damaged = write(box(kind), "damaged.cas");
+                poke(damaged, facePlace(damaged, 2, face, k, &width), int32Bytes(0));
+                const Numbering streaming = compare(damaged);
+                EXPECT_FALSE(streaming.ok);
+                ASSERT_EQ(streaming.messages.size(), 1u);
+                EXPECT_EQ(streaming.messages[0], "Bad node number 0 for node " + std::to_string(k + 1) +
+                                                     " of face #" + std::to_string(face + 1) +
+                                                     " in Faces section (Section 3013).");
+            }
+        }
+    }
+}
+
+TEST_F(NodeCountTest, NodesAboveTheCaseAreLeftOut) {
+    // A node number above the case's nodes is passed over, by the count as by
+    // the numbering, wherever it stands in a block.
+    for (int64_t face : {0, 1, 2, 3, 9}) {
+        SCOPED_TRACE(face);
+        const std::string path = write(box(MeshKind::Hex));
+        int width = 0;
+        poke(path, facePlace(path, 2, face, static_cast<int>(face % 4), &width), int32Bytes(6 * 5 * 4 + 1));
+        const Numbering streaming = compare(path);
+        EXPECT_TRUE(streaming.ok);
+        ASSERT_EQ(streaming.counts.size(), 1u);
+        EXPECT_EQ(streaming.counts[0], 6 * 5 * 4);
+    }
+}
+
+TEST_F(NodeCountTest, FacesWithNoCellOfTheZoneAreNotCounted) {
+    // A corner node of a box lies on three boundary faces and no interior
+    // one: with a cell outside the zone on side 0 of those faces (side 1 of
+    // a boundary face is 0), the corner is not a node of the zone.
+    const std::string path = write(box(MeshKind::Hex));
+    int width = 0;
+    int changed = 0;
+    for (int32_t zoneId = 3; zoneId <= 8; ++zoneId) {
+        const int64_t end = facePlace(path, zoneId, -1, 0, &width);
+        for (int64_t face = 0;; ++face) {
+            const int64_t place = facePlace(path, zoneId, face, 0, &width);
+            if (place < 0 || place >= end)
+                break;
+            std::ifstream in(path, std::ios::binary);
+            in.seekg(place);
+            std::vector<int32_t> row(static_cast<size_t>(width));
+            in.read(reinterpret_cast<char*>(row.data()), width * 4);
+            if (std::find(row.begin(), row.end() - 2, 1) != row.end() - 2) {
+                poke(path, place + (width - 2) * 4, int32Bytes(1000));
+                ++changed;
+            }
+        }
+    }
+    ASSERT_EQ(changed, 3);
+    const Numbering streaming = compare(path);
+    EXPECT_TRUE(streaming.ok);
+    ASSERT_EQ(streaming.counts.size(), 1u);
+    EXPECT_EQ(streaming.counts[0], 6 * 5 * 4 - 1);
 }
 
 TEST_F(NodeCountTest, FacesWithTheZoneOnSideOneOnlyAreCounted) {
