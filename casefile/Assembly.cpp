@@ -740,14 +740,34 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
     return true;
 }
 
+// The number of set marks among `places` marks of 0 or 1, eight at a time:
+// the product of eight such bytes with 0x0101010101010101 holds their sum in
+// its top byte.
+static int32_t countMarks(const uint8_t* marks, size_t places) {
+    size_t count = 0;
+    size_t g = 0;
+    for (; g + 8 <= places; g += 8) {
+        uint64_t eight;
+        memcpy(&eight, marks + g, sizeof eight);
+        count += static_cast<size_t>((eight * 0x0101010101010101ull) >> 56);
+    }
+    for (; g < places; ++g) {
+        count += marks[g];
+    }
+    return static_cast<int32_t>(count);
+}
+
 bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
     if (zone->oldToNewNodes != nullptr) {
         return true;
     }
     // One byte per node: a quarter of the memory traffic of the numbering's
     // integers, and no numbering is left behind.
+    // Fresh zeroed pages from calloc: they are faulted in by the threads
+    // that mark them, not cleared first by this one.
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    std::unique_ptr<uint8_t[]> marks(new (std::nothrow) uint8_t[places > 0 ? places : 1]());
+    std::unique_ptr<uint8_t, void (*)(void*)> marks(static_cast<uint8_t*>(calloc(places > 0 ? places : 1, 1)),
+                                                    free);
     if (marks == nullptr) {
         return false;
     }
@@ -761,10 +781,7 @@ bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_
         case NodeWalk::Failed:
             return false;
     }
-    int32_t numNodes = 0;
-    for (size_t g = 0; g < places; ++g) {
-        numNodes += marks[g];
-    }
+    const int32_t numNodes = countMarks(marks.get(), places);
     if (numNodes == 0) {
         showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
         return false;
@@ -1119,15 +1136,20 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
 // few nodes: its marks stay in the processor's cache (4 million nodes take
 // 512 kB), and the numbering passes over 64 nodes a word, where an integer
 // per node would be cleared, written and read twice in full for every zone.
-static inline void markFaceNodeBits(uint64_t* bits, int32_t totalNodes, const int32_t* nodes,
-                                    int32_t places) {
+// Returns how many of the face's nodes were not marked before.
+static inline int32_t markFaceNodeBits(uint64_t* bits, int32_t totalNodes, const int32_t* nodes,
+                                       int32_t places) {
+    int32_t added = 0;
     for (int32_t k = 0; k < places; ++k) {
         int32_t node = nodes[k];
         if (node != 0 && node >= 1 && node <= totalNodes) {
             const uint32_t g = static_cast<uint32_t>(node - 1);
-            bits[g >> 6] |= uint64_t{1} << (g & 63);
+            const uint64_t bit = uint64_t{1} << (g & 63);
+            added += (bits[g >> 6] & bit) == 0;
+            bits[g >> 6] |= bit;
         }
     }
+    return added;
 }
 
 static void freeFaceZoneNumbering(FaceZone* zone) {
@@ -1151,14 +1173,12 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
     if (marks == nullptr) {
         return false;
     }
+    // Counted as they are marked: a count of the bits afterwards would pass
+    // over every word of the case for every zone.
     const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
-    for (int64_t i = 0; slots > 0 && i < count; ++i) {
-        markFaceNodeBits(marks, totalNodes, zone->faceNodes + i * slots, slots);
-    }
-    // Numbers in ascending order of the global node number, from 1.
     int32_t numNodes = 0;
-    for (size_t w = 0; w < words; ++w) {
-        numNodes += __builtin_popcountll(marks[w]);
+    for (int64_t i = 0; slots > 0 && i < count; ++i) {
+        numNodes += markFaceNodeBits(marks, totalNodes, zone->faceNodes + i * slots, slots);
     }
     if (numNodes == 0) {
         showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
@@ -1170,6 +1190,7 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
         free(marks);
         return false;
     }
+    // Numbers in ascending order of the global node number, from 1.
     int32_t next = 0;
     for (size_t w = 0; w < words; ++w) {
         for (uint64_t bits = marks[w]; bits != 0; bits &= bits - 1) {
@@ -1179,10 +1200,7 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
     }
     free(marks);
     try {
-        zone->nodeNumberMap = new NodeNumberMap();
-        for (int32_t k = 0; k < numNodes; ++k) {
-            zone->nodeNumberMap->emplace_hint(zone->nodeNumberMap->end(), zone->zoneNodes[k], k);
-        }
+        zone->nodeNumberMap = new NodeNumberMap(zone->zoneNodes, numNodes);
     } catch (const std::exception&) {
         freeFaceZoneNumbering(zone);
         return false;
@@ -1215,18 +1233,16 @@ bool FaceZoneGetNodeNumsForPoly(FaceZone* zone, CaseFile* caseFile, int32_t tota
             return false;
         }
     }
+    for (int32_t k = 0; k < total; ++k) {
+        int32_t node = zone->polyNodes[k];
+        if (node >= 1 && node <= totalNodes && numbers[node - 1] > 0) {
+            zone->zoneNodes[numbers[node - 1] - 1] = node;
+        }
+    }
     delete zone->nodeNumberMap;
     zone->nodeNumberMap = nullptr;
     try {
-        zone->nodeNumberMap = new NodeNumberMap();
-        for (int32_t k = 0; k < total; ++k) {
-            int32_t node = zone->polyNodes[k];
-            if (node >= 1 && node <= totalNodes && numbers[node - 1] > 0) {
-                int32_t index = numbers[node - 1] - 1;
-                zone->zoneNodes[index] = node;
-                zone->nodeNumberMap->emplace(node, index);
-            }
-        }
+        zone->nodeNumberMap = new NodeNumberMap(zone->zoneNodes, numNodes);
     } catch (const std::exception&) {
         free(numbers);
         freeFaceZoneNumbering(zone);

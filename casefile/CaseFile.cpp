@@ -1,11 +1,41 @@
 // Tables, life cycle, counting and lookups of CaseFile.
 #include "casefile/CaseFile.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 
 #include "casefile/CaseFileInternal.h"
+
+// ---- Node number map -----------------------------------------------------------------
+
+NodeNumberMap::NodeNumberMap(const int32_t* zoneNodes, int32_t count) {
+    entries_.reserve(count > 0 ? static_cast<size_t>(count) : 0);
+    for (int32_t k = 0; k < count; ++k) {
+        entries_.emplace_back(zoneNodes[k], k);
+    }
+    // A boundary zone's nodes come sorted; a polygon zone's in order of first sight.
+    if (!std::is_sorted(entries_.begin(), entries_.end())) {
+        std::sort(entries_.begin(), entries_.end());
+    }
+}
+
+int32_t NodeNumberMap::find(int32_t node) const {
+    auto it = std::lower_bound(
+        entries_.begin(), entries_.end(), node,
+        [](const std::pair<int32_t, int32_t>& entry, int32_t key) { return entry.first < key; });
+    return it != entries_.end() && it->first == node ? it->second : -1;
+}
+
+int32_t NodeNumberMap::at(int32_t node) const {
+    const int32_t index = find(node);
+    if (index < 0) {
+        throw std::out_of_range("NodeNumberMap::at");
+    }
+    return index;
+}
 
 // ---- Tables ----------------------------------------------------------------------
 

@@ -21,9 +21,9 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <map>
 #include <memory>
-#include <memory_resource>
+#include <utility>
+#include <vector>
 
 #include "fluentio/SectionReader.h"
 #include "host/Metadata.h"
@@ -37,19 +37,26 @@ constexpr int32_t UNSET_NODE = 0x7ffffffe;
 // Host zone type standing for "not known" inside the add-on.
 constexpr int32_t kUnknownHostZoneType = 255;
 
-// The block that the entries of a NodeNumberMap come from (a base, so that it
-// is made before the map and goes after it).
-struct NodeNumberPool {
-    std::pmr::monotonic_buffer_resource pool;
-};
-
 // Global node number -> zero-based index into a face zone's zoneNodes: an
-// ordered map whose entries come from a few large blocks, so that making and
-// freeing a map of many nodes costs a few allocations, not one per node.
-struct NodeNumberMap : private NodeNumberPool, public std::pmr::map<int32_t, int32_t> {
-    NodeNumberMap() : std::pmr::map<int32_t, int32_t>(&pool) {}
-    NodeNumberMap(const NodeNumberMap&) = delete;
-    NodeNumberMap& operator=(const NodeNumberMap&) = delete;
+// ordered map held as one array of (node, index) pairs sorted by node, made
+// with one allocation and searched by halves. A boundary zone's map has an
+// entry for each of its nodes, so a tree of one allocation per entry would
+// cost more to make and to free than the rest of the numbering.
+class NodeNumberMap {
+  public:
+    // The map of `count` zone nodes: zoneNodes[k] -> k. The numbers must
+    // differ; they need not be sorted. Throws std::bad_alloc or
+    // std::length_error as a vector does.
+    NodeNumberMap(const int32_t* zoneNodes, int32_t count);
+
+    size_t size() const { return entries_.size(); }
+    // The index of `node`; throws std::out_of_range when it has none.
+    int32_t at(int32_t node) const;
+    // The index of `node`, or -1.
+    int32_t find(int32_t node) const;
+
+  private:
+    std::vector<std::pair<int32_t, int32_t>> entries_;  // (global node, zone index), ascending by node
 };
 
 // One Nodes section with a zone id above 0.

@@ -2,6 +2,7 @@
 // degenerate cells, the child face replacement with its step over the face
 // behind a group, node numbering of cell and boundary zones, and their messages.
 #include <set>
+#include <stdexcept>
 
 #include "CaseFileTestSupport.h"
 
@@ -402,6 +403,11 @@ TEST_F(AssemblyTest, BoundaryZoneNumbersItsNodesInAscendingOrder) {
     ASSERT_NE(zone->nodeNumberMap, nullptr);
     EXPECT_EQ(zone->nodeNumberMap->size(), 6u);
     EXPECT_EQ(zone->nodeNumberMap->at(7), 4);
+    for (int32_t k = 0; k < 6; ++k)
+        EXPECT_EQ(zone->nodeNumberMap->find(zone->zoneNodes[k]), k);
+    EXPECT_EQ(zone->nodeNumberMap->find(3), -1);
+    EXPECT_EQ(zone->nodeNumberMap->find(9), -1);
+    EXPECT_THROW(zone->nodeNumberMap->at(4), std::out_of_range);
     // Quadrilateral rows; the triangle repeats its last node.
     int32_t hostType = FaceZoneGetZoneType(zone, false);
     ASSERT_EQ(hostType, ZorZoneType_FEQuad);
@@ -438,6 +444,11 @@ TEST_F(AssemblyTest, PolygonZoneNumbersNodesInOrderOfFirstSight) {
     EXPECT_EQ(array(zone->zoneNodes, 6), (std::vector<int32_t>{7, 3, 8, 1, 2, 6}));
     EXPECT_EQ(zone->nodeNumberMap->at(6), 5);
     EXPECT_EQ(zone->nodeNumberMap->at(7), 0);
+    // The map answers every node, though they are not in ascending order.
+    ASSERT_EQ(zone->nodeNumberMap->size(), 6u);
+    for (int32_t k = 0; k < 6; ++k)
+        EXPECT_EQ(zone->nodeNumberMap->at(zone->zoneNodes[k]), k);
+    EXPECT_EQ(zone->nodeNumberMap->find(4), -1);
     // No nodes at all is no error here.
     ASSERT_TRUE(FaceZoneGetNodeNumsForPoly(&caseFile->faceZones[1], caseFile, caseFile->totalNodes));
     EXPECT_EQ(caseFile->faceZones[1].numNodes, 0);
