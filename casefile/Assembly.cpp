@@ -1159,6 +1159,34 @@ static void freeFaceZoneNumbering(FaceZone* zone) {
     zone->nodeNumberMap = nullptr;
 }
 
+// The marks of a boundary numbering: `words` clear words behind a word that
+// holds their count. The case keeps one such block from one numbering to the
+// next, since a case may have hundreds of boundary zones and fresh pages cost
+// a fault each: a numbering takes it (and one made elsewhere meanwhile takes
+// a fresh block). NULL when memory runs out.
+static uint64_t* takeNodeBits(CaseFile* caseFile, size_t words) {
+    uint64_t* block = __atomic_exchange_n(&caseFile->nodeBits, nullptr, __ATOMIC_ACQUIRE);
+    if (block != nullptr && block[0] == words) {
+        return block;
+    }
+    free(block);
+    block = static_cast<uint64_t*>(calloc(words + 1, sizeof(uint64_t)));
+    if (block != nullptr) {
+        block[0] = words;
+    }
+    return block;
+}
+
+// Gives a block whose bits are all clear again back to the case, or frees it
+// when the case holds another by now.
+static void giveNodeBits(CaseFile* caseFile, uint64_t* block) {
+    uint64_t* none = nullptr;
+    if (!__atomic_compare_exchange_n(&caseFile->nodeBits, &none, block, false, __ATOMIC_RELEASE,
+                                     __ATOMIC_RELAXED)) {
+        free(block);
+    }
+}
+
 bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes) {
     if (zone->zoneNodes != nullptr) {
         return true;
@@ -1169,10 +1197,11 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
     const int32_t slots = zone->faceNodes != nullptr ? faceZoneSlots(zone) : 0;
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
     const size_t words = places > 0 ? (places + 63) / 64 : 1;
-    uint64_t* marks = static_cast<uint64_t*>(calloc(words, sizeof(uint64_t)));
-    if (marks == nullptr) {
+    uint64_t* block = takeNodeBits(caseFile, words);
+    if (block == nullptr) {
         return false;
     }
+    uint64_t* marks = block + 1;
     // Counted as they are marked: a count of the bits afterwards would pass
     // over every word of the case for every zone.
     const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
@@ -1182,23 +1211,28 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
     }
     if (numNodes == 0) {
         showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
-        free(marks);
+        giveNodeBits(caseFile, block);
         return false;
     }
     zone->zoneNodes = static_cast<int32_t*>(malloc(static_cast<size_t>(numNodes) * sizeof(int32_t)));
     if (zone->zoneNodes == nullptr) {
-        free(marks);
+        free(block);
         return false;
     }
-    // Numbers in ascending order of the global node number, from 1.
+    // Numbers in ascending order of the global node number, from 1; each
+    // word is cleared behind the walk, for the next numbering.
     int32_t next = 0;
     for (size_t w = 0; w < words; ++w) {
+        if (marks[w] == 0) {
+            continue;
+        }
         for (uint64_t bits = marks[w]; bits != 0; bits &= bits - 1) {
             zone->zoneNodes[next++] =
                 static_cast<int32_t>(w * 64 + static_cast<size_t>(__builtin_ctzll(bits)) + 1);
         }
+        marks[w] = 0;
     }
-    free(marks);
+    giveNodeBits(caseFile, block);
     try {
         zone->nodeNumberMap = new NodeNumberMap(zone->zoneNodes, numNodes);
     } catch (const std::exception&) {

@@ -146,6 +146,7 @@ static void faceZoneFreeBulk(FaceZone* zone) {
 static void caseFileFreeBulk(CaseFile* caseFile) {
     free(caseFile->nodePositions);
     caseFile->nodePositions = nullptr;
+    free(__atomic_exchange_n(&caseFile->nodeBits, nullptr, __ATOMIC_ACQUIRE));
     for (int32_t i = 0; i < caseFile->numCellZones; ++i) {
         CellZone* zone = &caseFile->cellZones[i];
         freeAndClear(&zone->newToOldNodes);

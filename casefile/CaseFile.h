@@ -185,6 +185,8 @@ struct CaseFile {
     double* nodePositions;        // numLoadedNodes * numDimensions values, node by node; NULL until loaded
     ZorMutex mutex;               // guards the bulk arrays and useCount; from the host
     int32_t useCount;             // users of the bulk arrays; at 0 they are freed
+    uint64_t* nodeBits;           // scratch of the boundary numbering: [0] its word count, then one bit per
+                         // case node, all clear; taken and given back atomically; NULL when none is spare
 };
 
 // ---- Tables --------------------------------------------------------------------

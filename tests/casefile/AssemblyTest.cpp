@@ -1,8 +1,11 @@
 // Cells assembled from faces: the seed, the rows of the brick face table,
 // degenerate cells, the child face replacement with its step over the face
 // behind a group, node numbering of cell and boundary zones, and their messages.
+#include <algorithm>
 #include <set>
+#include <sstream>
 #include <stdexcept>
+#include <thread>
 
 #include "CaseFileTestSupport.h"
 
@@ -419,6 +422,93 @@ TEST_F(AssemblyTest, BoundaryZoneNumbersItsNodesInAscendingOrder) {
     FaceZoneConnectivityTarget target32 = {nullptr, rows32.data(), false, 4};
     FaceZoneWriteConnectivity(zone, hostType, &target32);
     EXPECT_EQ(rows32, (std::vector<int32_t>{2, 5, 4, 3, 1, 3, 4, 4, 0, 2, 3, 1}));
+}
+
+// Whether every bit of the case's spare numbering block is clear.
+bool spareBitsClear(const CaseFile* caseFile) {
+    const uint64_t* block = caseFile->nodeBits;
+    for (uint64_t w = 0; block != nullptr && w < block[0]; ++w)
+        if (block[1 + w] != 0)
+            return false;
+    return true;
+}
+
+TEST_F(AssemblyTest, BoundaryZonesNumberedOneAfterAnotherShareOneClearBlock) {
+    bool ok = false;
+    // Bottom and top of the cube, then the bottom again with the front.
+    CaseFile* caseFile =
+        scanBytes(std::string(kCubeNodes) + "(13 (3 1 1 3 4)(\n" + kBottom + "))\n(13 (4 2 2 3 4)(\n" + kTop +
+                      "))\n(13 (5 3 4 3 4)(\n" + kBottom + kFront + "))\n",
+                  &ok);
+    ASSERT_TRUE(ok);
+    {
+        CaseFileUse use(caseFile);
+        ASSERT_TRUE(FaceZoneGetNodeNumbers(&caseFile->faceZones[0], caseFile, caseFile->totalNodes));
+        const uint64_t* block = caseFile->nodeBits;
+        ASSERT_NE(block, nullptr);
+        EXPECT_TRUE(spareBitsClear(caseFile));
+        ASSERT_TRUE(FaceZoneGetNodeNumbers(&caseFile->faceZones[1], caseFile, caseFile->totalNodes));
+        EXPECT_EQ(caseFile->nodeBits, block);
+        EXPECT_TRUE(spareBitsClear(caseFile));
+        ASSERT_TRUE(FaceZoneGetNodeNumbers(&caseFile->faceZones[2], caseFile, caseFile->totalNodes));
+        EXPECT_TRUE(spareBitsClear(caseFile));
+        // No node of one zone is left over for the next.
+        EXPECT_EQ(array(caseFile->faceZones[0].zoneNodes, caseFile->faceZones[0].numNodes),
+                  (std::vector<int32_t>{1, 2, 3, 4}));
+        EXPECT_EQ(array(caseFile->faceZones[1].zoneNodes, caseFile->faceZones[1].numNodes),
+                  (std::vector<int32_t>{5, 6, 7, 8}));
+        EXPECT_EQ(array(caseFile->faceZones[2].zoneNodes, caseFile->faceZones[2].numNodes),
+                  (std::vector<int32_t>{1, 2, 3, 4, 5, 6}));
+    }
+    // The block goes with the other bulk arrays when the last user leaves.
+    EXPECT_EQ(caseFile->nodeBits, nullptr);
+}
+
+TEST_F(AssemblyTest, BoundaryNumberingsOnTwoThreadsEachGetTheirOwnNodes) {
+    // Zones numbered at the same time: one takes the case's block, the other
+    // a fresh one; one block is kept, and every zone gets its own nodes.
+    std::string body = kCubeNodes;
+    const char* faces[] = {kBottom, kTop, kFront, kBack, kLeft, kRight};
+    for (int z = 0; z < 6; ++z)
+        body += "(13 (" + std::to_string(3 + z) + " " + std::to_string(z + 1) + " " + std::to_string(z + 1) +
+                " 3 4)(\n" + faces[z] + "))\n";
+    bool ok = false;
+    CaseFile* caseFile = scanBytes(body, &ok);
+    ASSERT_TRUE(ok);
+    CaseFileUse use(caseFile);
+    for (int round = 0; round < 20; ++round) {
+        for (int z = 0; z < 6; ++z) {
+            FaceZone* zone = &caseFile->faceZones[z];
+            free(zone->zoneNodes);
+            zone->zoneNodes = nullptr;
+            delete zone->nodeNumberMap;
+            zone->nodeNumberMap = nullptr;
+            ASSERT_TRUE(zone->faceCells != nullptr || CaseFileLoadFaceZone(caseFile, zone));
+        }
+        bool results[6] = {};
+        std::thread other([&] {
+            for (int z = 1; z < 6; z += 2)
+                results[z] = FaceZoneGetNodeNumbers(&caseFile->faceZones[z], caseFile, caseFile->totalNodes);
+        });
+        for (int z = 0; z < 6; z += 2)
+            results[z] = FaceZoneGetNodeNumbers(&caseFile->faceZones[z], caseFile, caseFile->totalNodes);
+        other.join();
+        for (int z = 0; z < 6; ++z) {
+            ASSERT_TRUE(results[z]);
+            const FaceZone* zone = &caseFile->faceZones[z];
+            std::vector<int32_t> expected;
+            std::istringstream row(faces[z]);
+            for (int k = 0; k < 4; ++k) {
+                int32_t node = 0;
+                row >> node;
+                expected.push_back(node);
+            }
+            std::sort(expected.begin(), expected.end());
+            EXPECT_EQ(array(zone->zoneNodes, zone->numNodes), expected) << z;
+        }
+        EXPECT_NE(caseFile->nodeBits, nullptr);
+        EXPECT_TRUE(spareBitsClear(caseFile));
+    }
 }
 
 TEST_F(AssemblyTest, BoundaryZoneWithoutFacesHasNoNodes) {
