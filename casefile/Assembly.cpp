@@ -23,6 +23,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <thread>
@@ -510,21 +511,59 @@ static off_t streamedFacePlace(const FaceZone* faceZone, int64_t face) {
     return static_cast<off_t>(faceZone->filePosition + face * (faceZone->faceType + 2) * 4);
 }
 
-// The second thread's half: faces `begin` to `end` through a stream of its own.
-static bool markSecondHalf(const FaceMarking& job, int64_t begin, int64_t end) {
+void FaceSharesInit(FaceShares* shares, int64_t count) {
+    shares->next[0] = 0;
+    shares->end[0] = shares->next[1] = count / 2;
+    shares->end[1] = count;
+}
+
+bool FaceSharesTake(FaceShares* shares, int me, int64_t* begin, int64_t* end) {
+    const int64_t take = gSharedFacesPerTake > 0 ? gSharedFacesPerTake : 1;
+    std::lock_guard<std::mutex> lock(shares->mutex);
+    if (shares->next[me] >= shares->end[me]) {
+        const int other = 1 - me;
+        const int64_t rest = shares->end[other] - shares->next[other];
+        if (rest < 2 * take) {
+            return false;
+        }
+        const int64_t middle = shares->next[other] + rest / 2;
+        shares->next[me] = middle;
+        shares->end[me] = shares->end[other];
+        shares->end[other] = middle;
+    }
+    *begin = shares->next[me];
+    *end = std::min(*begin + take, shares->end[me]);
+    shares->next[me] = *end;
+    return true;
+}
+
+// One thread's part of a shared zone, read through `stream` (its own).
+static bool markSharedFaces(const FaceMarking& job, FaceShares* shares, int me, FILE* stream) {
+    int64_t begin = 0, end = 0;
+    while (FaceSharesTake(shares, me, &begin, &end)) {
+        if (fseeko(stream, streamedFacePlace(job.faceZone, begin), SEEK_SET) != 0 ||
+            !markStreamedFaceRange<true>(job, stream, begin, end)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The second thread's part, through a stream of its own.
+static bool markSecondPart(const FaceMarking& job, FaceShares* shares) {
     FILE* stream = openFilePath(job.caseFile->fileName, "rb");
     if (stream == nullptr) {
         return false;
     }
-    bool read = fseeko(stream, streamedFacePlace(job.faceZone, begin), SEEK_SET) == 0 &&
-                markStreamedFaceRange<true>(job, stream, begin, end);
+    const bool read = markSharedFaces(job, shares, 1, stream);
     fclose(stream);
     return read;
 }
 
 // Marks the faces of a face zone through `stream`, which stands at its first
-// face: a large zone by two threads, each taking one half of the faces, the
-// calling thread the first. On success the stream stands behind the last face.
+// face: a large zone by two threads, which start at its first face and at
+// its middle and share out the rest as they go. On success the stream stands
+// behind the last face.
 static bool markStreamedZone(FaceMarking job, FILE* stream) {
     const int64_t count = static_cast<int64_t>(job.faceZone->lastIndex) - job.faceZone->firstIndex + 1;
     std::atomic<bool> stop{false};
@@ -532,12 +571,13 @@ static bool markStreamedZone(FaceMarking job, FILE* stream) {
     if (count < gParallelMarkMinFaces || count < 2) {
         return markStreamedFaceRange<false>(job, stream, 0, count);
     }
-    const int64_t half = count / 2;
+    FaceShares shares;
+    FaceSharesInit(&shares, count);
     bool secondRead = false;
     std::thread second;
     try {
-        second = std::thread([&job, &secondRead, &stop, half, count] {
-            secondRead = markSecondHalf(job, half, count);
+        second = std::thread([&job, &shares, &secondRead, &stop] {
+            secondRead = markSecondPart(job, &shares);
             if (!secondRead) {
                 stop.store(true, std::memory_order_relaxed);
             }
@@ -546,7 +586,7 @@ static bool markStreamedZone(FaceMarking job, FILE* stream) {
         // No thread: this one reads the whole zone.
         return markStreamedFaceRange<false>(job, stream, 0, count);
     }
-    bool read = markStreamedFaceRange<true>(job, stream, 0, half);
+    const bool read = markSharedFaces(job, &shares, 0, stream);
     if (!read) {
         stop.store(true, std::memory_order_relaxed);
     }
@@ -554,7 +594,7 @@ static bool markStreamedZone(FaceMarking job, FILE* stream) {
     if (!read || !secondRead) {
         return false;
     }
-    gFaceZonesMarkedInHalves.fetch_add(1, std::memory_order_relaxed);
+    gFaceZonesMarkedInParallel.fetch_add(1, std::memory_order_relaxed);
     // Behind the last face, where reading every face would have left it.
     return fseeko(stream, streamedFacePlace(job.faceZone, count), SEEK_SET) == 0;
 }
@@ -805,7 +845,8 @@ bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_
 int32_t gParallelAssemblyMinCells = 50000;
 std::atomic<int64_t> gAssembliesInHalves{0};
 int64_t gParallelMarkMinFaces = 262144;
-std::atomic<int64_t> gFaceZonesMarkedInHalves{0};
+std::atomic<int64_t> gFaceZonesMarkedInParallel{0};
+int64_t gSharedFacesPerTake = 8192;
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <mutex>
 
 #include "casefile/CaseFile.h"
 
@@ -48,12 +49,34 @@ extern int32_t gParallelAssemblyMinCells;
 // Assemblies that two threads completed, since the process began.
 extern std::atomic<int64_t> gAssembliesInHalves;
 // Face zones of at least this many faces that a first scan reads for a cell
-// zone's node count without keeping them are read by two threads, each taking
-// one half of the faces; smaller ones by the calling thread alone. Tests lower
-// it to reach small zones.
+// zone's node count without keeping them are read by two threads, which
+// share the faces out as they go (FaceShares); smaller ones by the calling
+// thread alone. Tests lower it to reach small zones.
 extern int64_t gParallelMarkMinFaces;
 // Face zones that two threads read and marked, since the process began.
-extern std::atomic<int64_t> gFaceZonesMarkedInHalves;
+extern std::atomic<int64_t> gFaceZonesMarkedInParallel;
+// Faces a thread takes at a time from a shared zone; a rest of fewer than
+// twice this many is not split. Tests lower it to share small zones out.
+extern int64_t gSharedFacesPerTake;
+
+// The faces of a zone shared out between two threads. Each starts with one
+// half and reads its range forwards; one that has run out takes the upper
+// half of what the other has not yet taken, so both finish together however
+// the machine shares its cores out, and each still reads forwards through
+// the file.
+struct FaceShares {
+    std::mutex mutex;
+    int64_t next[2];  // zero-based face each thread takes next
+    int64_t end[2];   // end of each thread's range (excluded)
+};
+
+// Shares `count` faces out: thread 0 the lower half, thread 1 the upper.
+void FaceSharesInit(FaceShares* shares, int64_t count);
+
+// Takes the next faces for thread `me` (0 or 1): [*begin, *end), at most
+// gSharedFacesPerTake of them. False when nothing is left for it: its range
+// is done and the other's rest is too small to split.
+bool FaceSharesTake(FaceShares* shares, int me, int64_t* begin, int64_t* end);
 
 // Opens the case file for binary reading with a stream of its own; on failure
 // shows "Error opening case file '<name>'" and returns NULL.

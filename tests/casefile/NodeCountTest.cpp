@@ -6,6 +6,7 @@
 #include <array>
 #include <climits>
 #include <fstream>
+#include <thread>
 
 #include "CaseFileTestSupport.h"
 #include "casefile/CaseFileInternal.h"
@@ -315,25 +316,129 @@ TEST_F(NodeCountTest, ACutFileGivesTheLoadsMessage) {
     EXPECT_FALSE(streaming.messages.empty());
 }
 
-// Large face zones are read by two threads, each taking one half of the
-// faces. A low threshold sends the small zones of these boxes that way.
+// Every face taken by the threads of a shared zone, in the order taken.
+struct Takes {
+    std::vector<std::pair<int64_t, int64_t>> ranges[2];  // per thread, [begin, end)
+
+    // Each face of 0..count-1 taken exactly once.
+    bool coverOnce(int64_t count) const {
+        std::vector<int> seen(static_cast<size_t>(count), 0);
+        for (const auto& thread : ranges)
+            for (const auto& range : thread)
+                for (int64_t face = range.first; face < range.second; ++face) {
+                    if (face < 0 || face >= count)
+                        return false;
+                    ++seen[static_cast<size_t>(face)];
+                }
+        return std::all_of(seen.begin(), seen.end(), [](int n) { return n == 1; });
+    }
+};
+
+class FaceSharesTest : public ::testing::Test {
+  protected:
+    void SetUp() override { saved_ = gSharedFacesPerTake; }
+    void TearDown() override { gSharedFacesPerTake = saved_; }
+
+    // Takes for thread `me` until it gets nothing, recording what it took.
+    static void takeAll(FaceShares* shares, int me, Takes* takes) {
+        int64_t begin = 0, end = 0;
+        while (FaceSharesTake(shares, me, &begin, &end))
+            takes->ranges[me].emplace_back(begin, end);
+    }
+
+  private:
+    int64_t saved_ = 0;
+};
+
+TEST_F(FaceSharesTest, AThreadThatRunsOutTakesTheUpperHalfOfTheOthersRest) {
+    gSharedFacesPerTake = 10;
+    FaceShares shares;
+    FaceSharesInit(&shares, 100);
+    Takes takes;
+    // Thread 1 takes one block, then thread 0 runs through everything it can.
+    int64_t begin = 0, end = 0;
+    ASSERT_TRUE(FaceSharesTake(&shares, 1, &begin, &end));
+    takes.ranges[1].emplace_back(begin, end);
+    EXPECT_EQ(begin, 50);
+    EXPECT_EQ(end, 60);
+    takeAll(&shares, 0, &takes);
+    // Its own half, then the upper half of 60..99 (80..99), then of 60..79
+    // (70..79); a rest of 10 is left to thread 1.
+    const std::vector<std::pair<int64_t, int64_t>> expected = {{0, 10},  {10, 20}, {20, 30},  {30, 40},
+                                                               {40, 50}, {80, 90}, {90, 100}, {70, 80}};
+    EXPECT_EQ(takes.ranges[0], expected);
+    takeAll(&shares, 1, &takes);
+    EXPECT_EQ(takes.ranges[1], (std::vector<std::pair<int64_t, int64_t>>{{50, 60}, {60, 70}}));
+    EXPECT_TRUE(takes.coverOnce(100));
+}
+
+TEST_F(FaceSharesTest, EveryFaceIsTakenOnceWhateverTheOrder) {
+    for (int64_t take : {1, 3, 8192}) {
+        for (int64_t count : {1, 2, 7, 64, 1001}) {
+            for (unsigned pattern : {0u, 1u, 0x5555u, 0x3c3cu, 0xffffu}) {
+                SCOPED_TRACE(std::to_string(take) + " " + std::to_string(count) + " " +
+                             std::to_string(pattern));
+                gSharedFacesPerTake = take;
+                FaceShares shares;
+                FaceSharesInit(&shares, count);
+                Takes takes;
+                bool live[2] = {true, true};
+                // The threads take in turns given by the bits of the pattern.
+                for (unsigned step = 0; live[0] || live[1]; ++step) {
+                    int me = (pattern >> (step % 16)) & 1;
+                    if (!live[me])
+                        me = 1 - me;
+                    int64_t begin = 0, end = 0;
+                    if (FaceSharesTake(&shares, me, &begin, &end)) {
+                        EXPECT_LT(begin, end);
+                        EXPECT_LE(end - begin, take);
+                        takes.ranges[me].emplace_back(begin, end);
+                    } else {
+                        live[me] = false;
+                    }
+                }
+                EXPECT_TRUE(takes.coverOnce(count));
+            }
+        }
+    }
+}
+
+TEST_F(FaceSharesTest, TwoThreadsTakeEveryFaceOnce) {
+    gSharedFacesPerTake = 2;
+    for (int round = 0; round < 50; ++round) {
+        FaceShares shares;
+        FaceSharesInit(&shares, 997);
+        Takes takes;
+        std::thread other([&] { takeAll(&shares, 1, &takes); });
+        takeAll(&shares, 0, &takes);
+        other.join();
+        ASSERT_TRUE(takes.coverOnce(997)) << round;
+    }
+}
+
+// Large face zones are read by two threads, which share the faces out as
+// they go. A low threshold sends the small zones of these boxes that way, and
+// a small take makes the threads split each other's rest many times over.
 class NodeCountThreadTest : public NodeCountTest {
   protected:
     void SetUp() override {
         NodeCountTest::SetUp();
         saved_ = gParallelMarkMinFaces;
+        savedTake_ = gSharedFacesPerTake;
         gParallelMarkMinFaces = 8;
+        gSharedFacesPerTake = 3;
     }
     void TearDown() override {
         gParallelMarkMinFaces = saved_;
+        gSharedFacesPerTake = savedTake_;
         NodeCountTest::TearDown();
     }
     // Face zones that two threads read during `run`.
     template <typename Run>
     static int64_t zonesInHalves(Run run) {
-        const int64_t before = gFaceZonesMarkedInHalves.load();
+        const int64_t before = gFaceZonesMarkedInParallel.load();
         run();
-        return gFaceZonesMarkedInHalves.load() - before;
+        return gFaceZonesMarkedInParallel.load() - before;
     }
     // A box of hexahedra whose interior face zone (id 2) goes to two threads.
     std::string writeBox(const std::string& name = "count.cas") {
@@ -352,6 +457,7 @@ class NodeCountThreadTest : public NodeCountTest {
 
   private:
     int64_t saved_ = 0;
+    int64_t savedTake_ = 0;
 };
 
 TEST_F(NodeCountThreadTest, TwoThreadsCountAsTheLoadingNumbering) {
