@@ -432,32 +432,41 @@ struct FaceMarking {
     std::atomic<bool>* stop;   // set when the other thread failed; its result no longer matters
 };
 
+// Faces read at a time while marking, and their buffer: rows of at most four
+// nodes and two cells. One buffer serves every read of a thread, since a
+// fresh one costs its pages' faults each time.
+constexpr int64_t kMarkFacesPerBlock = 8192;
+using MarkBlock = std::unique_ptr<int32_t[]>;
+static MarkBlock newMarkBlock() {
+    return MarkBlock(new (std::nothrow) int32_t[6 * kMarkFacesPerBlock]);
+}
+
 // Marks the nodes of faces `begin` to `end` (zero-based, end excluded) of a
 // zone of one node count (2, 3 or 4), in a binary body of 4-byte integers,
-// that have a cell of the cell zone on a side, reading the body through a
-// buffer from `stream`, which stands at face `begin`, and keeping nothing. On
-// success the stream stands behind face `end`. False, nothing shown and
-// perhaps some nodes marked, where the load's block reader would hand a face
-// to the face-by-face reader (a node number below 1, a short read), where the
-// file cannot be read, or where the other thread stopped it: the caller then
-// loads the zone, which says what is wrong. Marks are only ever set, so those
-// of a false start are set again by the load.
+// that have a cell of the cell zone on a side, reading the body through
+// `block` (a MarkBlock) from `stream`, which stands at face `begin`, and
+// keeping nothing. On success the stream stands behind face `end`. False,
+// nothing shown and perhaps some nodes marked, where the load's block reader
+// would hand a face to the face-by-face reader (a node number below 1, a
+// short read), where the file cannot be read, or where the other thread
+// stopped it: the caller then loads the zone, which says what is wrong. Marks
+// are only ever set, so those of a false start are set again by the load.
 template <int Nodes, bool Shared>
-static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end) {
+static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end,
+                              int32_t* block) {
     constexpr int64_t kWidth = Nodes + 2;
-    constexpr int64_t kFacesPerBlock = 8192;
+    constexpr int64_t kFacesPerBlock = kMarkFacesPerBlock;
     // Copies, so that the stores into the marks need not reload them.
     const int32_t first = job.first, last = job.last, totalNodes = job.totalNodes;
     uint8_t* const marks = job.marks;
     const bool swap = job.caseFile->machineConfig.byteOrder != hostByteOrder;
-    std::vector<int32_t> block(static_cast<size_t>(kWidth * kFacesPerBlock));
     for (int64_t done = begin; done < end;) {
         if (job.stop->load(std::memory_order_relaxed)) {
             return false;
         }
         const int64_t faces = std::min(kFacesPerBlock, end - done);
         const size_t want = static_cast<size_t>(faces * kWidth);
-        if (fread(block.data(), sizeof(int32_t), want, stream) != want) {
+        if (fread(block, sizeof(int32_t), want, stream) != want) {
             return false;
         }
         if (swap) {
@@ -465,7 +474,7 @@ static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begi
                 block[k] = static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(block[k])));
             }
         }
-        const int32_t* p = block.data();
+        const int32_t* p = block;
         if (facesAreInside<Nodes>(p, faces, totalNodes, first, last)) {
             // The common block: every node of every face is marked.
             for (int64_t f = 0; f < faces; ++f, p += kWidth) {
@@ -495,15 +504,23 @@ static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begi
 }
 
 template <bool Shared>
-static bool markStreamedFaceRange(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end) {
+static bool markStreamedFaceRange(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end,
+                                  int32_t* block) {
     switch (job.faceZone->faceType) {
         case 2:
-            return markStreamedFaces<2, Shared>(job, stream, begin, end);
+            return markStreamedFaces<2, Shared>(job, stream, begin, end, block);
         case 3:
-            return markStreamedFaces<3, Shared>(job, stream, begin, end);
+            return markStreamedFaces<3, Shared>(job, stream, begin, end, block);
         default:
-            return markStreamedFaces<4, Shared>(job, stream, begin, end);
+            return markStreamedFaces<4, Shared>(job, stream, begin, end, block);
     }
+}
+
+// The same through a block of its own: false also when there is no memory for it.
+template <bool Shared>
+static bool markStreamedFaceRange(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end) {
+    MarkBlock block = newMarkBlock();
+    return block != nullptr && markStreamedFaceRange<Shared>(job, stream, begin, end, block.get());
 }
 
 // Byte place of face `face` (zero-based) of a binary zone of one node count.
@@ -537,12 +554,17 @@ bool FaceSharesTake(FaceShares* shares, int me, int64_t* begin, int64_t* end) {
     return true;
 }
 
-// One thread's part of a shared zone, read through `stream` (its own).
+// One thread's part of a shared zone, read through `stream` (its own) and
+// one block for all its takes.
 static bool markSharedFaces(const FaceMarking& job, FaceShares* shares, int me, FILE* stream) {
+    MarkBlock block = newMarkBlock();
+    if (block == nullptr) {
+        return false;
+    }
     int64_t begin = 0, end = 0;
     while (FaceSharesTake(shares, me, &begin, &end)) {
         if (fseeko(stream, streamedFacePlace(job.faceZone, begin), SEEK_SET) != 0 ||
-            !markStreamedFaceRange<true>(job, stream, begin, end)) {
+            !markStreamedFaceRange<true>(job, stream, begin, end, block.get())) {
             return false;
         }
     }
