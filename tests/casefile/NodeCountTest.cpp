@@ -97,6 +97,14 @@ class NodeCountTest : public CaseFileTest {
         return streaming;
     }
 
+    // Both ways on a case of one cell zone: it succeeds with `nodes` nodes.
+    void expectOneZoneOf(const std::string& path, int32_t nodes) {
+        const Numbering streaming = compare(path);
+        EXPECT_TRUE(streaming.ok);
+        ASSERT_EQ(streaming.counts.size(), 1u);
+        EXPECT_EQ(streaming.counts[0], nodes);
+    }
+
     // The byte place of node k of face i of the face zone with `zoneId`.
     static int64_t facePlace(const std::string& path, int32_t zoneId, int64_t face, int k, int* width) {
         CaseFile* caseFile = static_cast<CaseFile*>(calloc(1, sizeof(CaseFile)));
@@ -236,10 +244,7 @@ TEST_F(NodeCountTest, NodesAboveTheCaseAreLeftOut) {
         const std::string path = write(box(MeshKind::Hex));
         int width = 0;
         poke(path, facePlace(path, 2, face, static_cast<int>(face % 4), &width), int32Bytes(6 * 5 * 4 + 1));
-        const Numbering streaming = compare(path);
-        EXPECT_TRUE(streaming.ok);
-        ASSERT_EQ(streaming.counts.size(), 1u);
-        EXPECT_EQ(streaming.counts[0], 6 * 5 * 4);
+        expectOneZoneOf(path, 6 * 5 * 4);
     }
 }
 
@@ -267,10 +272,7 @@ TEST_F(NodeCountTest, FacesWithNoCellOfTheZoneAreNotCounted) {
         }
     }
     ASSERT_EQ(changed, 3);
-    const Numbering streaming = compare(path);
-    EXPECT_TRUE(streaming.ok);
-    ASSERT_EQ(streaming.counts.size(), 1u);
-    EXPECT_EQ(streaming.counts[0], 6 * 5 * 4 - 1);
+    expectOneZoneOf(path, 6 * 5 * 4 - 1);
 }
 
 TEST_F(NodeCountTest, FacesWithTheZoneOnSideOneOnlyAreCounted) {
@@ -286,10 +288,7 @@ TEST_F(NodeCountTest, FacesWithTheZoneOnSideOneOnlyAreCounted) {
             break;
         poke(path, place, int32Bytes(0));
     }
-    const Numbering streaming = compare(path);
-    EXPECT_TRUE(streaming.ok);
-    ASSERT_EQ(streaming.counts.size(), 1u);
-    EXPECT_EQ(streaming.counts[0], 6 * 5 * 4);
+    expectOneZoneOf(path, 6 * 5 * 4);
 }
 
 TEST_F(NodeCountTest, ADamagedEndOfTheFacesGivesTheLoadsMessage) {
