@@ -455,7 +455,6 @@ template <int Nodes, bool Shared>
 static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end,
                               int32_t* block) {
     constexpr int64_t kWidth = Nodes + 2;
-    constexpr int64_t kFacesPerBlock = kMarkFacesPerBlock;
     // Copies, so that the stores into the marks need not reload them.
     const int32_t first = job.first, last = job.last, totalNodes = job.totalNodes;
     uint8_t* const marks = job.marks;
@@ -464,7 +463,7 @@ static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begi
         if (job.stop->load(std::memory_order_relaxed)) {
             return false;
         }
-        const int64_t faces = std::min(kFacesPerBlock, end - done);
+        const int64_t faces = std::min(kMarkFacesPerBlock, end - done);
         const size_t want = static_cast<size_t>(faces * kWidth);
         if (fread(block, sizeof(int32_t), want, stream) != want) {
             return false;
@@ -824,9 +823,8 @@ bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_
         return true;
     }
     // One byte per node: a quarter of the memory traffic of the numbering's
-    // integers, and no numbering is left behind.
-    // Fresh zeroed pages from calloc: they are faulted in by the threads
-    // that mark them, not cleared first by this one.
+    // integers, and no numbering is left behind. The zeroed pages of calloc
+    // are faulted in by the threads that mark them, not cleared by this one.
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
     std::unique_ptr<uint8_t, void (*)(void*)> marks(static_cast<uint8_t*>(calloc(places > 0 ? places : 1, 1)),
                                                     free);
@@ -868,7 +866,7 @@ int32_t gParallelAssemblyMinCells = 50000;
 std::atomic<int64_t> gAssembliesInHalves{0};
 int64_t gParallelMarkMinFaces = 262144;
 std::atomic<int64_t> gFaceZonesMarkedInParallel{0};
-int64_t gSharedFacesPerTake = 8192;
+int64_t gSharedFacesPerTake = kMarkFacesPerBlock;  // one read of a buffer per take
 
 namespace {
 
