@@ -26,12 +26,12 @@
 #include <mutex>
 #include <new>
 #include <stdexcept>
-#include <thread>
 #include <type_traits>
 #include <vector>
 
 #include "casefile/CaseFileInternal.h"
 #include "support/BulkMemory.h"
+#include "support/HelperThread.h"
 
 static const int kBrickFaceTable[6][4] = {{0, 3, 7, 4}, {2, 1, 5, 6}, {1, 0, 4, 5},
                                           {3, 2, 6, 7}, {0, 1, 2, 3}, {4, 5, 6, 7}};
@@ -595,15 +595,13 @@ static bool markStreamedZone(FaceMarking job, FILE* stream) {
     FaceShares shares;
     FaceSharesInit(&shares, count);
     bool secondRead = false;
-    std::thread second;
-    try {
-        second = std::thread([&job, &shares, &secondRead, &stop] {
+    HelperThread second;
+    if (!second.start([&job, &shares, &secondRead, &stop] {
             secondRead = markSecondPart(job, &shares);
             if (!secondRead) {
                 stop.store(true, std::memory_order_relaxed);
             }
-        });
-    } catch (...) {
+        })) {
         // No thread: this one reads the whole zone.
         return markStreamedFaceRange<false>(job, stream, 0, count);
     }
@@ -1115,16 +1113,14 @@ static bool assembleInHalves(const AssemblyWalk& whole) {
     lower.stop = &stop;
     upper.stop = &stop;
     bool upperOk = false;
-    std::thread other;
-    try {
-        other = std::thread([&upper, &upperOk, &stop] {
+    HelperThread other;
+    if (!other.start([&upper, &upperOk, &stop] {
             tlsQuietAssembly = true;
             upperOk = walkFaces<WalkMode::Quiet>(upper);
             if (!upperOk) {
                 stop.store(true, std::memory_order_relaxed);
             }
-        });
-    } catch (...) {
+        })) {
         return false;  // no thread: nothing was done
     }
     tlsQuietAssembly = true;

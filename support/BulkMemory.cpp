@@ -54,11 +54,8 @@ void BulkFaultIn::start(const BulkRange* first, size_t count) {
     if (ranges_.empty()) {
         return;
     }
-    try {
-        thread_ = std::thread([this] { run(); });
-    } catch (...) {
-        // No thread: the filler faults the pages itself.
-    }
+    // Without a thread the filler faults the pages itself.
+    (void)thread_.start([this] { run(); });
 }
 
 BulkFaultIn::~BulkFaultIn() {
@@ -117,14 +114,11 @@ void BulkFaultIn::run() {
 }
 
 BulkFill::BulkFill(int32_t* block, size_t count, int32_t value) {
-    if (count * sizeof(int32_t) >= kBulkBlockBytes) {
-        try {
-            thread_ = std::thread([block, count, value] { std::fill(block, block + count, value); });
-            return;
-        } catch (...) {
-            // No thread: filled below.
-        }
+    if (count * sizeof(int32_t) >= kBulkBlockBytes &&
+        thread_.start([block, count, value] { std::fill(block, block + count, value); })) {
+        return;
     }
+    // Small, or no thread: filled here.
     std::fill(block, block + count, value);
 }
 

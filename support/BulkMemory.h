@@ -12,8 +12,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <thread>
 #include <vector>
+
+#include "support/HelperThread.h"
 
 // Blocks smaller than this are left alone: advice and a thread cost more than
 // their faults.
@@ -64,7 +65,7 @@ class BulkFaultIn {
     BulkOrder order_;
     std::vector<BulkRange> ranges_;  // the blocks large enough to be worth it
     std::atomic<bool> stop_{false};  // set by finish()
-    std::thread thread_;             // not joinable when no block was large enough
+    HelperThread thread_;            // not joinable when no block was large enough
 };
 
 // Sets every number of a block to one value, on a second thread when the block
@@ -80,5 +81,5 @@ class BulkFill {
     void wait();
 
   private:
-    std::thread thread_;  // not joinable once the block is filled
+    HelperThread thread_;  // not joinable once the block is filled
 };
