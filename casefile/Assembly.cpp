@@ -329,35 +329,128 @@ static int32_t endOfParentGroup(const ChildFace* record, int32_t j) {
     return k;
 }
 
-// ---- Node numbering of a cell zone ------------------------------------------------------------
+// ---- Node marks --------------------------------------------------------------------------------
 
-static void freeCellZoneNumbering(CellZone* zone) {
-    free(zone->newToOldNodes);
-    zone->newToOldNodes = nullptr;
-    zone->newToOldBytes = 0;
-    free(zone->oldToNewNodes);
-    zone->oldToNewNodes = nullptr;
+// Marks of the nodes of a zone, one per case node: the integers of a cell
+// zone's numbering (set to 1); the bytes of a cell zone's node count (set to
+// 1), which two threads may mark at once; or bits, for a boundary zone's few
+// nodes, which a numbering passes over 64 nodes a word. A byte is the
+// quickest mark to set: it is only written.
+static inline void setMark(int32_t* marks, uint32_t g) {
+    marks[g] = 1;
 }
 
-// Sets one mark. With a second thread marking the same array the store is
-// atomic (a plain store on the machines this runs on).
-template <bool Shared, typename Mark>
-static inline void storeMark(Mark* mark) {
-    if (Shared) {
-        __atomic_store_n(mark, Mark{1}, __ATOMIC_RELAXED);
-    } else {
-        *mark = 1;
-    }
+static inline void setMark(uint8_t* marks, uint32_t g) {
+    __atomic_store_n(&marks[g], uint8_t{1}, __ATOMIC_RELAXED);  // a plain store on the machines this runs on
 }
 
-// Sets the mark of one node (one mark per case node); a node outside the case
-// is passed over.
-template <bool Shared, typename Mark>
+static inline void setMark(uint64_t* bits, uint32_t g) {
+    bits[g >> 6] |= uint64_t{1} << (g & 63);
+}
+
+// Sets the mark of one node; a node outside the case is passed over.
+template <typename Mark>
 static inline void markNode(Mark* marks, int32_t totalNodes, int32_t node) {
     if (node >= 1 && node <= totalNodes) {
-        storeMark<Shared>(&marks[node - 1]);
+        setMark(marks, static_cast<uint32_t>(node - 1));
     }
 }
+
+template <typename Mark>
+static inline void markFaceNodes(Mark* marks, int32_t totalNodes, const int32_t* nodes, int32_t places) {
+    for (int32_t k = 0; k < places; ++k) {
+        markNode(marks, totalNodes, nodes[k]);
+    }
+}
+
+// Sets the bits of a face's nodes; returns how many of them were clear.
+static inline int32_t markFaceNodeBits(uint64_t* bits, int32_t totalNodes, const int32_t* nodes,
+                                       int32_t places) {
+    int32_t added = 0;
+    for (int32_t k = 0; k < places; ++k) {
+        int32_t node = nodes[k];
+        if (node != 0 && node >= 1 && node <= totalNodes) {
+            const uint32_t g = static_cast<uint32_t>(node - 1);
+            const uint64_t bit = uint64_t{1} << (g & 63);
+            added += (bits[g >> 6] & bit) == 0;
+            bits[g >> 6] |= bit;
+        }
+    }
+    return added;
+}
+
+// The set bits of one word, by halves, quarters and bytes (no population
+// count instruction is assumed).
+static inline int32_t bitCount(uint64_t word) {
+    word -= (word >> 1) & 0x5555555555555555ull;
+    word = (word & 0x3333333333333333ull) + ((word >> 2) & 0x3333333333333333ull);
+    word = (word + (word >> 4)) & 0x0f0f0f0f0f0f0f0full;
+    return static_cast<int32_t>((word * 0x0101010101010101ull) >> 56);
+}
+
+// The set bits of `words` words. Those of a boundary zone lie close together:
+// most words are clear.
+static int32_t countBits(const uint64_t* bits, size_t words) {
+    int64_t count = 0;
+    for (size_t w = 0; w < words; ++w) {
+        if (bits[w] != 0) {
+            count += bitCount(bits[w]);
+        }
+    }
+    return static_cast<int32_t>(count);
+}
+
+// The number of set marks among `places` byte marks of 0 or 1, eight at a
+// time: the product of eight such bytes with 0x0101010101010101 holds their
+// sum in its top byte.
+static int32_t countMarks(const uint8_t* marks, size_t places) {
+    size_t count = 0;
+    size_t g = 0;
+    for (; g + 8 <= places; g += 8) {
+        uint64_t eight;
+        memcpy(&eight, marks + g, sizeof eight);
+        count += static_cast<size_t>((eight * 0x0101010101010101ull) >> 56);
+    }
+    for (; g < places; ++g) {
+        count += marks[g];
+    }
+    return static_cast<int32_t>(count);
+}
+
+// Bits for the nodes of a case: `words` clear words behind a word that holds
+// their count. The case keeps one such block from one boundary numbering to
+// the next, since a case may have hundreds of zones and fresh pages cost a
+// fault each: a numbering takes it (and one that comes meanwhile makes a
+// fresh block). NULL when memory runs out.
+static uint64_t* takeNodeBits(CaseFile* caseFile, size_t words) {
+    uint64_t* block = __atomic_exchange_n(&caseFile->nodeBits, nullptr, __ATOMIC_ACQUIRE);
+    if (block != nullptr && block[0] == words) {
+        return block;
+    }
+    free(block);
+    block = static_cast<uint64_t*>(calloc(words + 1, sizeof(uint64_t)));
+    if (block != nullptr) {
+        block[0] = words;
+    }
+    return block;
+}
+
+// Gives a block whose bits are all clear again back to the case, or frees it
+// when the case holds another by now.
+static void giveNodeBits(CaseFile* caseFile, uint64_t* block) {
+    uint64_t* none = nullptr;
+    if (!__atomic_compare_exchange_n(&caseFile->nodeBits, &none, block, false, __ATOMIC_RELEASE,
+                                     __ATOMIC_RELAXED)) {
+        free(block);
+    }
+}
+
+// Words of node bits for `totalNodes` nodes; at least one.
+static size_t nodeBitWords(int32_t totalNodes) {
+    return totalNodes > 0 ? (static_cast<size_t>(totalNodes) + 63) / 64 : 1;
+}
+
+// ---- Faces read without keeping them ------------------------------------------------------------
 
 // Four 32-bit lanes: one SSE2 register, which every x86-64 has. (Wider
 // vectors are split lane by lane where the target lacks them.)
@@ -413,28 +506,43 @@ static bool facesAreInside(const int32_t* rows, int64_t faces, int32_t totalNode
     return inside;
 }
 
-template <typename Mark>
-static inline void markFaceNodes(Mark* marks, int32_t totalNodes, const int32_t* nodes, int32_t places) {
-    for (int32_t k = 0; k < places; ++k) {
-        markNode<false>(marks, totalNodes, nodes[k]);
+// Takes the non-zero cells on side 0 of `faces` rows of `width` places into
+// `range`.
+static void widenSideZero(CellRange* range, const int32_t* cells, int64_t faces, int64_t width) {
+    int32_t lowest = range->lowest, highest = range->highest;
+    for (int64_t f = 0; f < faces; ++f, cells += width) {
+        if (*cells != 0) {
+            lowest = std::min(lowest, *cells);
+            highest = std::max(highest, *cells);
+        }
     }
+    range->lowest = lowest;
+    range->highest = highest;
 }
 
 // What marking a face zone that is not in memory needs: the zone, the cells
-// of the cell zone being counted, and the marks (one byte per case node).
+// whose faces count, and the marks: bytes, which two threads may share, or
+// bits, which one thread sets.
+template <typename Mark>
 struct FaceMarking {
     const CaseFile* caseFile;  // the case: file name and byte order
     const FaceZone* faceZone;  // the zone read: body position, face range and type
-    int32_t first;             // the cell zone's first cell
-    int32_t last;              // the cell zone's last cell
-    uint8_t* marks;            // one per case node, set to 1 for a node of the cell zone
-    int32_t totalNodes;        // places of marks
+    int32_t first;             // first cell whose faces count (on either side); INT32_MIN for every face
+    int32_t last;              // last cell whose faces count; INT32_MAX for every face
+    Mark* marks;               // one per case node, set for the nodes of faces that count
+    int32_t totalNodes;        // marks that are nodes
+    CellRange* sideZero;       // widened by the non-zero cells on side 0 of every face; NULL when not wanted
     std::atomic<bool>* stop;   // set when the other thread failed; its result no longer matters
 };
 
-// Faces read at a time while marking, and their buffer: rows of at most four
-// nodes and two cells. One buffer serves every read of a thread, since a
-// fresh one costs its pages' faults each time.
+// Rows read at a time while marking: at most four nodes and two cells each.
+struct FaceRows {
+    int32_t* rows;  // 6 * faces places, owned by the caller
+    int64_t faces;  // rows the buffer holds, at least 1
+};
+
+// One buffer for every read of a marking thread, since a fresh one costs
+// its pages' faults each time.
 constexpr int64_t kMarkFacesPerBlock = 8192;
 using MarkBlock = std::unique_ptr<int32_t[]>;
 static MarkBlock newMarkBlock() {
@@ -443,27 +551,28 @@ static MarkBlock newMarkBlock() {
 
 // Marks the nodes of faces `begin` to `end` (zero-based, end excluded) of a
 // zone of one node count (2, 3 or 4), in a binary body of 4-byte integers,
-// that have a cell of the cell zone on a side, reading the body through
-// `block` (a MarkBlock) from `stream`, which stands at face `begin`, and
-// keeping nothing. On success the stream stands behind face `end`. False,
-// nothing shown and perhaps some nodes marked, where the load's block reader
-// would hand a face to the face-by-face reader (a node number below 1, a
-// short read), where the file cannot be read, or where the other thread
-// stopped it: the caller then loads the zone, which says what is wrong. Marks
-// are only ever set, so those of a false start are set again by the load.
-template <int Nodes, bool Shared>
-static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end,
-                              int32_t* block) {
+// that have a cell of first..last on a side, reading the body through
+// `buffer` from `stream`, which stands at face `begin`, and keeping nothing.
+// On success the stream stands behind face `end`. False, nothing shown and
+// perhaps some nodes marked, where the load's block reader would hand a face
+// to the face-by-face reader (a node number below 1, a short read), where the
+// file cannot be read, or where the other thread stopped it: the caller then
+// loads the zone, which says what is wrong. Marks are only ever set, so those
+// of a false start are set again by the load.
+template <int Nodes, typename Mark>
+static bool markStreamedFaces(const FaceMarking<Mark>& job, FILE* stream, int64_t begin, int64_t end,
+                              const FaceRows& buffer) {
     constexpr int64_t kWidth = Nodes + 2;
     // Copies, so that the stores into the marks need not reload them.
     const int32_t first = job.first, last = job.last, totalNodes = job.totalNodes;
-    uint8_t* const marks = job.marks;
+    Mark* const marks = job.marks;
+    int32_t* const block = buffer.rows;
     const bool swap = job.caseFile->machineConfig.byteOrder != hostByteOrder;
     for (int64_t done = begin; done < end;) {
         if (job.stop->load(std::memory_order_relaxed)) {
             return false;
         }
-        const int64_t faces = std::min(kMarkFacesPerBlock, end - done);
+        const int64_t faces = std::min(buffer.faces, end - done);
         const size_t want = static_cast<size_t>(faces * kWidth);
         if (fread(block, sizeof(int32_t), want, stream) != want) {
             return false;
@@ -473,12 +582,15 @@ static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begi
                 block[k] = static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(block[k])));
             }
         }
+        if (job.sideZero != nullptr) {
+            widenSideZero(job.sideZero, block + Nodes, faces, kWidth);
+        }
         const int32_t* p = block;
         if (facesAreInside<Nodes>(p, faces, totalNodes, first, last)) {
             // The common block: every node of every face is marked.
             for (int64_t f = 0; f < faces; ++f, p += kWidth) {
                 for (int k = 0; k < Nodes; ++k) {
-                    storeMark<Shared>(marks + (p[k] - 1));
+                    setMark(marks, static_cast<uint32_t>(p[k] - 1));
                 }
             }
             done += faces;
@@ -492,9 +604,7 @@ static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begi
             }
             const int32_t c0 = p[Nodes], c1 = p[Nodes + 1];
             if ((first <= c0 && c0 <= last) || (first <= c1 && c1 <= last)) {
-                for (int k = 0; k < Nodes; ++k) {
-                    markNode<Shared>(marks, totalNodes, p[k]);
-                }
+                markFaceNodes(marks, totalNodes, p, Nodes);
             }
         }
         done += faces;
@@ -502,24 +612,17 @@ static bool markStreamedFaces(const FaceMarking& job, FILE* stream, int64_t begi
     return true;
 }
 
-template <bool Shared>
-static bool markStreamedFaceRange(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end,
-                                  int32_t* block) {
+template <typename Mark>
+static bool markStreamedFaceRange(const FaceMarking<Mark>& job, FILE* stream, int64_t begin, int64_t end,
+                                  const FaceRows& buffer) {
     switch (job.faceZone->faceType) {
         case 2:
-            return markStreamedFaces<2, Shared>(job, stream, begin, end, block);
+            return markStreamedFaces<2>(job, stream, begin, end, buffer);
         case 3:
-            return markStreamedFaces<3, Shared>(job, stream, begin, end, block);
+            return markStreamedFaces<3>(job, stream, begin, end, buffer);
         default:
-            return markStreamedFaces<4, Shared>(job, stream, begin, end, block);
+            return markStreamedFaces<4>(job, stream, begin, end, buffer);
     }
-}
-
-// The same through a block of its own: false also when there is no memory for it.
-template <bool Shared>
-static bool markStreamedFaceRange(const FaceMarking& job, FILE* stream, int64_t begin, int64_t end) {
-    MarkBlock block = newMarkBlock();
-    return block != nullptr && markStreamedFaceRange<Shared>(job, stream, begin, end, block.get());
 }
 
 // Byte place of face `face` (zero-based) of a binary zone of one node count.
@@ -553,61 +656,57 @@ bool FaceSharesTake(FaceShares* shares, int me, int64_t* begin, int64_t* end) {
     return true;
 }
 
-// One thread's part of a shared zone, read through `stream` (its own) and
-// one block for all its takes.
-static bool markSharedFaces(const FaceMarking& job, FaceShares* shares, int me, FILE* stream) {
-    MarkBlock block = newMarkBlock();
-    if (block == nullptr) {
-        return false;
-    }
+// One thread's part of a shared zone, read through `stream` (its own).
+static bool markSharedFaces(const FaceMarking<uint8_t>& job, FaceShares* shares, int me, FILE* stream,
+                            const FaceRows& buffer) {
     int64_t begin = 0, end = 0;
     while (FaceSharesTake(shares, me, &begin, &end)) {
         if (fseeko(stream, streamedFacePlace(job.faceZone, begin), SEEK_SET) != 0 ||
-            !markStreamedFaceRange<true>(job, stream, begin, end, block.get())) {
+            !markStreamedFaceRange(job, stream, begin, end, buffer)) {
             return false;
         }
     }
     return true;
 }
 
-// The second thread's part, through a stream of its own.
-static bool markSecondPart(const FaceMarking& job, FaceShares* shares) {
+// The second thread's part, through a stream and a buffer of its own.
+static bool markSecondPart(const FaceMarking<uint8_t>& job, FaceShares* shares) {
+    MarkBlock block = newMarkBlock();
+    if (block == nullptr) {
+        return false;
+    }
     FILE* stream = openFilePath(job.caseFile->fileName, "rb");
     if (stream == nullptr) {
         return false;
     }
-    const bool read = markSharedFaces(job, shares, 1, stream);
+    const bool read = markSharedFaces(job, shares, 1, stream, FaceRows{block.get(), kMarkFacesPerBlock});
     fclose(stream);
     return read;
 }
 
-// Marks the faces of a face zone through `stream`, which stands at its first
-// face: a large zone by two threads, which start at its first face and at
-// its middle and share out the rest as they go. On success the stream stands
-// behind the last face.
-static bool markStreamedZone(FaceMarking job, FILE* stream) {
-    const int64_t count = static_cast<int64_t>(job.faceZone->lastIndex) - job.faceZone->firstIndex + 1;
-    std::atomic<bool> stop{false};
-    job.stop = &stop;
-    if (count < gParallelMarkMinFaces || count < 2) {
-        return markStreamedFaceRange<false>(job, stream, 0, count);
-    }
+// Marks the `count` faces of a face zone into bytes, through `stream`, which
+// stands at its first face, and `buffer`, with a second thread, which reads
+// through a stream and a buffer of its own: they start at the first face and
+// at the middle and share out the rest as they go. On success the stream
+// stands behind the last face.
+static bool markZoneInTwoThreads(const FaceMarking<uint8_t>& job, FILE* stream, const FaceRows& buffer,
+                                 int64_t count) {
     FaceShares shares;
     FaceSharesInit(&shares, count);
     bool secondRead = false;
     HelperThread second;
-    if (!second.start([&job, &shares, &secondRead, &stop] {
+    if (!second.start([&job, &shares, &secondRead] {
             secondRead = markSecondPart(job, &shares);
             if (!secondRead) {
-                stop.store(true, std::memory_order_relaxed);
+                job.stop->store(true, std::memory_order_relaxed);
             }
         })) {
         // No thread: this one reads the whole zone.
-        return markStreamedFaceRange<false>(job, stream, 0, count);
+        return markStreamedFaceRange(job, stream, 0, count, buffer);
     }
-    const bool read = markSharedFaces(job, &shares, 0, stream);
+    const bool read = markSharedFaces(job, &shares, 0, stream, buffer);
     if (!read) {
-        stop.store(true, std::memory_order_relaxed);
+        job.stop->store(true, std::memory_order_relaxed);
     }
     second.join();
     if (!read || !secondRead) {
@@ -618,13 +717,34 @@ static bool markStreamedZone(FaceMarking job, FILE* stream) {
     return fseeko(stream, streamedFacePlace(job.faceZone, count), SEEK_SET) == 0;
 }
 
-// Marks the nodes of a face zone that is not in memory for the numbering of
-// cell zone `zone`, without loading it: true when the zone's faces were read
-// and marked and its section closed. False with *failed clear when the zone
-// must be loaded instead (nothing shown); false with *failed set when closing
-// the section failed, the message shown as the load shows it.
-static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZone, const CellZone* zone,
-                                       uint8_t* marks, int32_t totalNodes, bool* failed) {
+// Marks the faces of a face zone through `stream`, which stands at its first
+// face, and `buffer`: a large zone, where the marks are bytes, by two
+// threads. On success the stream stands behind the last face.
+template <typename Mark>
+static bool markStreamedZone(FaceMarking<Mark> job, FILE* stream, const FaceRows& buffer) {
+    const int64_t count = static_cast<int64_t>(job.faceZone->lastIndex) - job.faceZone->firstIndex + 1;
+    std::atomic<bool> stop{false};
+    job.stop = &stop;
+    if constexpr (std::is_same<Mark, uint8_t>::value) {
+        if (count >= gParallelMarkMinFaces && count >= 2) {
+            return markZoneInTwoThreads(job, stream, buffer, count);
+        }
+    }
+    return markStreamedFaceRange(job, stream, 0, count, buffer);
+}
+
+// Marks the nodes of the faces of a face zone that is not in memory that
+// have a cell of first..last on a side, into `marks`, without loading the
+// zone: true when the zone's faces were read and marked and its section
+// closed. False with *failed clear when the zone must be loaded instead
+// (nothing shown; the body is not binary with 4-byte integers and one node
+// count, or the faces are not as the load's block reader takes them); false
+// with *failed set when closing the section failed, the message shown as the
+// load shows it.
+template <typename Mark>
+static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZone, int32_t first,
+                                       int32_t last, Mark* marks, int32_t totalNodes, CellRange* sideZero,
+                                       const FaceRows& buffer, bool* failed) {
     *failed = false;
     if (faceZone->sectionId < 2000 || caseFile->machineConfig.intSize != 4 || faceZone->faceType < 2 ||
         faceZone->faceType > 4 || faceZone->childFaceIndex >= 0) {
@@ -634,9 +754,9 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     if (stream == nullptr) {
         return false;
     }
-    const FaceMarking job{caseFile, faceZone, zone->firstIndex, zone->lastIndex, marks, totalNodes, nullptr};
-    const bool read =
-        fseeko(stream, streamedFacePlace(faceZone, 0), SEEK_SET) == 0 && markStreamedZone(job, stream);
+    const FaceMarking<Mark> job{caseFile, faceZone, first, last, marks, totalNodes, sideZero, nullptr};
+    const bool read = fseeko(stream, streamedFacePlace(faceZone, 0), SEEK_SET) == 0 &&
+                      markStreamedZone(job, stream, buffer);
     if (!read) {
         fclose(stream);
         return false;
@@ -648,6 +768,16 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     return closed;
 }
 
+// ---- Node numbering of a cell zone ------------------------------------------------------------
+
+static void freeCellZoneNumbering(CellZone* zone) {
+    free(zone->newToOldNodes);
+    zone->newToOldNodes = nullptr;
+    zone->newToOldBytes = 0;
+    free(zone->oldToNewNodes);
+    zone->oldToNewNodes = nullptr;
+}
+
 // How a walk over the faces of a case for a cell zone's nodes ended.
 enum class NodeWalk {
     Marked,    // every node of the zone is marked
@@ -656,14 +786,14 @@ enum class NodeWalk {
 };
 
 // Marks every node of the faces that bound cell zone `zone` (one mark per case
-// node, set to 1), loading the face zones that are not in memory. With
-// `streaming`, a face zone that is not in memory is read through a buffer and
+// node), loading the face zones that are not in memory. With a `buffer`
+// (byte marks only), a face zone that is not in memory is read through it and
 // not kept where it can be (see markFaceZoneWithoutLoading), and loaded
 // otherwise. A face zone that holds polygons makes the cell zone's
 // elementType 7, whether or not it could be loaded.
 template <typename Mark>
 static NodeWalk markCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t totalNodes, Mark* marks,
-                                  bool streaming) {
+                                  const FaceRows* buffer) {
     // Face trees mark faceCells as their zones are loaded; with no trees this
     // loads nothing, and the marks make repeats harmless.
     for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
@@ -676,9 +806,10 @@ static NodeWalk markCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t to
     for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
         FaceZone* faceZone = &caseFile->faceZones[z];
         if constexpr (std::is_same<Mark, uint8_t>::value) {
-            if (streaming && faceZone->faceCells == nullptr) {
+            if (buffer != nullptr && faceZone->faceCells == nullptr) {
                 bool failed = false;
-                if (markFaceZoneWithoutLoading(caseFile, faceZone, zone, marks, totalNodes, &failed)) {
+                if (markFaceZoneWithoutLoading(caseFile, faceZone, first, last, marks, totalNodes, nullptr,
+                                               *buffer, &failed)) {
                     continue;
                 }
                 if (failed) {
@@ -760,7 +891,7 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
         return false;
     }
     int32_t* marks = zone->oldToNewNodes;
-    switch (markCellZoneNodes(zone, caseFile, totalNodes, marks, false)) {
+    switch (markCellZoneNodes(zone, caseFile, totalNodes, marks, nullptr)) {
         case NodeWalk::Marked:
             break;
         case NodeWalk::Polygons:
@@ -799,39 +930,25 @@ bool CellZoneGetNewNodeNumbers(CellZone* zone, CaseFile* caseFile, int32_t total
     return true;
 }
 
-// The number of set marks among `places` marks of 0 or 1, eight at a time:
-// the product of eight such bytes with 0x0101010101010101 holds their sum in
-// its top byte.
-static int32_t countMarks(const uint8_t* marks, size_t places) {
-    size_t count = 0;
-    size_t g = 0;
-    for (; g + 8 <= places; g += 8) {
-        uint64_t eight;
-        memcpy(&eight, marks + g, sizeof eight);
-        count += static_cast<size_t>((eight * 0x0101010101010101ull) >> 56);
-    }
-    for (; g < places; ++g) {
-        count += marks[g];
-    }
-    return static_cast<int32_t>(count);
-}
-
 bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_t totalNodes) {
     if (zone->oldToNewNodes != nullptr) {
         return true;
     }
-    // One byte per node: a quarter of the memory traffic of the numbering's
-    // integers, and no numbering is left behind. The zeroed pages of calloc
-    // are faulted in by the threads that mark them, not cleared by this one.
+    // One byte per node, and no numbering is left behind. The zeroed pages of
+    // calloc are faulted in by the threads that mark them, not cleared by
+    // this one.
     size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    std::unique_ptr<uint8_t, void (*)(void*)> marks(static_cast<uint8_t*>(calloc(places > 0 ? places : 1, 1)),
+    std::unique_ptr<uint8_t, void (*)(void*)> block(static_cast<uint8_t*>(calloc(places > 0 ? places : 1, 1)),
                                                     free);
+    uint8_t* marks = block.get();
     if (marks == nullptr) {
         return false;
     }
     const bool streaming =
         caseFile->numFaceTrees == 0 && caseFile->numChildFaces == 0 && caseFile->numCellZones <= 2;
-    switch (markCellZoneNodes(zone, caseFile, totalNodes, marks.get(), streaming)) {
+    MarkBlock rows = streaming ? newMarkBlock() : nullptr;
+    const FaceRows buffer{rows.get(), kMarkFacesPerBlock};
+    switch (markCellZoneNodes(zone, caseFile, totalNodes, marks, rows != nullptr ? &buffer : nullptr)) {
         case NodeWalk::Marked:
             break;
         case NodeWalk::Polygons:
@@ -839,7 +956,7 @@ bool CellZoneGetNodeCountWithoutFaces(CellZone* zone, CaseFile* caseFile, int32_
         case NodeWalk::Failed:
             return false;
     }
-    const int32_t numNodes = countMarks(marks.get(), places);
+    const int32_t numNodes = countMarks(marks, places);
     if (numNodes == 0) {
         showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
         return false;
@@ -1189,25 +1306,9 @@ bool CellZoneAssembleFaces(CaseFile* caseFile, CellZone* zone, int32_t numCells,
 
 // ---- Boundary zones ---------------------------------------------------------------------------
 
-// Marks of a boundary zone, one bit per node of the case. A boundary zone has
-// few nodes: its marks stay in the processor's cache (4 million nodes take
-// 512 kB), and the numbering passes over 64 nodes a word, where an integer
-// per node would be cleared, written and read twice in full for every zone.
-// Returns how many of the face's nodes were not marked before.
-static inline int32_t markFaceNodeBits(uint64_t* bits, int32_t totalNodes, const int32_t* nodes,
-                                       int32_t places) {
-    int32_t added = 0;
-    for (int32_t k = 0; k < places; ++k) {
-        int32_t node = nodes[k];
-        if (node != 0 && node >= 1 && node <= totalNodes) {
-            const uint32_t g = static_cast<uint32_t>(node - 1);
-            const uint64_t bit = uint64_t{1} << (g & 63);
-            added += (bits[g >> 6] & bit) == 0;
-            bits[g >> 6] |= bit;
-        }
-    }
-    return added;
-}
+// A boundary zone has few nodes: its marks are bits (see setMark), and the
+// numbering passes over 64 nodes a word, where an integer per node would be
+// cleared, written and read twice in full for every zone.
 
 static void freeFaceZoneNumbering(FaceZone* zone) {
     free(zone->zoneNodes);
@@ -1216,56 +1317,12 @@ static void freeFaceZoneNumbering(FaceZone* zone) {
     zone->nodeNumberMap = nullptr;
 }
 
-// The marks of a boundary numbering: `words` clear words behind a word that
-// holds their count. The case keeps one such block from one numbering to the
-// next, since a case may have hundreds of boundary zones and fresh pages cost
-// a fault each: a numbering takes it (and one made elsewhere meanwhile takes
-// a fresh block). NULL when memory runs out.
-static uint64_t* takeNodeBits(CaseFile* caseFile, size_t words) {
-    uint64_t* block = __atomic_exchange_n(&caseFile->nodeBits, nullptr, __ATOMIC_ACQUIRE);
-    if (block != nullptr && block[0] == words) {
-        return block;
-    }
-    free(block);
-    block = static_cast<uint64_t*>(calloc(words + 1, sizeof(uint64_t)));
-    if (block != nullptr) {
-        block[0] = words;
-    }
-    return block;
-}
-
-// Gives a block whose bits are all clear again back to the case, or frees it
-// when the case holds another by now.
-static void giveNodeBits(CaseFile* caseFile, uint64_t* block) {
-    uint64_t* none = nullptr;
-    if (!__atomic_compare_exchange_n(&caseFile->nodeBits, &none, block, false, __ATOMIC_RELEASE,
-                                     __ATOMIC_RELAXED)) {
-        free(block);
-    }
-}
-
-bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes) {
-    if (zone->zoneNodes != nullptr) {
-        return true;
-    }
-    if (zone->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, zone)) {
-        return false;
-    }
-    const int32_t slots = zone->faceNodes != nullptr ? faceZoneSlots(zone) : 0;
-    size_t places = totalNodes > 0 ? static_cast<size_t>(totalNodes) : 0;
-    const size_t words = places > 0 ? (places + 63) / 64 : 1;
-    uint64_t* block = takeNodeBits(caseFile, words);
-    if (block == nullptr) {
-        return false;
-    }
+// Numbers the `numNodes` nodes whose bits are set in `block` (from
+// takeNodeBits): zoneNodes in ascending order of the global node number, and
+// the map. Clears the bits behind the walk and gives the block back.
+static bool numberMarkedNodes(FaceZone* zone, CaseFile* caseFile, uint64_t* block, int32_t numNodes) {
+    const size_t words = block[0];
     uint64_t* marks = block + 1;
-    // Counted as they are marked: a count of the bits afterwards would pass
-    // over every word of the case for every zone.
-    const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
-    int32_t numNodes = 0;
-    for (int64_t i = 0; slots > 0 && i < count; ++i) {
-        numNodes += markFaceNodeBits(marks, totalNodes, zone->faceNodes + i * slots, slots);
-    }
     if (numNodes == 0) {
         showErrorf("Zone ID %d in file '%s' has no nodes.", zone->zoneId, caseFile->fileName);
         giveNodeBits(caseFile, block);
@@ -1276,8 +1333,6 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
         free(block);
         return false;
     }
-    // Numbers in ascending order of the global node number, from 1; each
-    // word is cleared behind the walk, for the next numbering.
     int32_t next = 0;
     for (size_t w = 0; w < words; ++w) {
         if (marks[w] == 0) {
@@ -1297,6 +1352,63 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
         return false;
     }
     zone->numNodes = numNodes;
+    return true;
+}
+
+bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes) {
+    if (zone->zoneNodes != nullptr) {
+        // A first scan numbers a zone without keeping its faces; the callers go on to use them.
+        return zone->faceCells != nullptr || zone->faceType == 5 || CaseFileLoadFaceZone(caseFile, zone);
+    }
+    if (zone->faceCells == nullptr && !CaseFileLoadFaceZone(caseFile, zone)) {
+        return false;
+    }
+    const int32_t slots = zone->faceNodes != nullptr ? faceZoneSlots(zone) : 0;
+    uint64_t* block = takeNodeBits(caseFile, nodeBitWords(totalNodes));
+    if (block == nullptr) {
+        return false;
+    }
+    // Counted as they are marked: a count of the bits afterwards would pass
+    // over every word of the case for every zone.
+    const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
+    int32_t numNodes = 0;
+    for (int64_t i = 0; slots > 0 && i < count; ++i) {
+        numNodes += markFaceNodeBits(block + 1, totalNodes, zone->faceNodes + i * slots, slots);
+    }
+    return numberMarkedNodes(zone, caseFile, block, numNodes);
+}
+
+bool FaceZoneGetNodeNumbersWithoutFaces(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes,
+                                        CellRange* sideZero) {
+    *sideZero = CellRange{INT32_MAX, INT32_MIN};
+    if (zone->zoneNodes == nullptr && zone->faceCells == nullptr) {
+        const size_t words = nodeBitWords(totalNodes);
+        uint64_t* block = takeNodeBits(caseFile, words);
+        if (block == nullptr) {
+            return false;
+        }
+        // A boundary zone is small: a buffer on the stack spares the fresh
+        // pages of a large one.
+        int32_t rows[6 * 1024];
+        bool failed = false;
+        if (markFaceZoneWithoutLoading(caseFile, zone, INT32_MIN, INT32_MAX, block + 1, totalNodes, sideZero,
+                                       FaceRows{rows, 1024}, &failed)) {
+            return numberMarkedNodes(zone, caseFile, block, countBits(block + 1, words));
+        }
+        // Marks of a false start are not cleared: the block goes.
+        free(block);
+        if (failed) {
+            return false;
+        }
+        *sideZero = CellRange{INT32_MAX, INT32_MIN};
+    }
+    if (!FaceZoneGetNodeNumbers(zone, caseFile, totalNodes)) {
+        return false;
+    }
+    if (zone->faceCells != nullptr) {
+        widenSideZero(sideZero, zone->faceCells, static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1,
+                      2);
+    }
     return true;
 }
 

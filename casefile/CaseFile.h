@@ -368,7 +368,23 @@ int32_t nodesPerCellOfHostZoneType(int32_t hostZoneType);
                                   int32_t numFaceNodes, int32_t* slots);
 
 // Numbers the nodes of a classic boundary zone: zoneNodes sorted, nodeNumberMap.
+// On success the zone's faces are in memory, also when it was numbered already.
 [[nodiscard]] bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes);
+
+// The extremes of a set of cell numbers.
+struct CellRange {
+    int32_t lowest;   // INT32_MAX when the set is empty
+    int32_t highest;  // INT32_MIN when the set is empty
+};
+
+// The numbering of FaceZoneGetNodeNumbers, with the same messages and
+// result, for a first scan: a zone whose faces are not in memory is read
+// through a buffer and not kept where its body allows it (binary, 4-byte
+// integers, one node count), a large one by two threads, and loaded
+// otherwise. `sideZero` gets the extremes of the non-zero cells on side 0 of
+// the zone's faces, which decide the zone's parent cell zone.
+[[nodiscard]] bool FaceZoneGetNodeNumbersWithoutFaces(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes,
+                                                      CellRange* sideZero);
 // The same for a polygon zone, in order of first appearance in polyNodes.
 [[nodiscard]] bool FaceZoneGetNodeNumsForPoly(FaceZone* zone, CaseFile* caseFile, int32_t totalNodes);
 

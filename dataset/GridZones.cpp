@@ -208,9 +208,10 @@ bool buildCellZone(ZoneBuild& b, int32_t index, TaskProgress* task) {
 }
 
 // The host number of the cell zone that holds a boundary zone: the first
-// cell zone whose cell range holds the cell on side 0 of every face. Its
-// Fluent id goes to parentCellZoneId. 0 when none does.
-ZorIndex findParentZone(ZoneBuild& b, FaceZone* zone) {
+// cell zone whose cell range holds the cell on side 0 of every face, of which
+// `sideZero` has the non-zero extremes. Its Fluent id goes to
+// parentCellZoneId. 0 when none does.
+ZorIndex findParentZone(ZoneBuild& b, FaceZone* zone, const CellRange& sideZero) {
     const CaseFile* caseFile = b.caseFile;
     if (b.fromMetadata) {
         for (int32_t i = 0; i < caseFile->numCellZones; ++i) {
@@ -223,17 +224,13 @@ ZorIndex findParentZone(ZoneBuild& b, FaceZone* zone) {
         }
         return 0;
     }
-    const int64_t numFaces = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
     for (int32_t i = 0; i < caseFile->numCellZones; ++i) {
         const CellZone& cellZone = caseFile->cellZones[i];
         bool holds = true;
         if (zone->faceType == 5) {
             holds = cellZone.firstIndex <= zone->minCell && zone->maxCell <= cellZone.lastIndex;
-        } else {
-            for (int64_t f = 0; holds && f < numFaces && zone->faceCells != nullptr; ++f) {
-                const int32_t cell = zone->faceCells[2 * f];
-                holds = cell == 0 || (cellZone.firstIndex <= cell && cell <= cellZone.lastIndex);
-            }
+        } else if (sideZero.lowest <= sideZero.highest) {
+            holds = cellZone.firstIndex <= sideZero.lowest && sideZero.highest <= cellZone.lastIndex;
         }
         if (holds) {
             zone->parentCellZoneId = cellZone.zoneId;
@@ -246,6 +243,7 @@ ZorIndex findParentZone(ZoneBuild& b, FaceZone* zone) {
 bool buildBoundaryZone(ZoneBuild& b, int32_t index, TaskProgress* task) {
     CaseFile* caseFile = b.caseFile;
     FaceZone* zone = &caseFile->faceZones[index];
+    CellRange sideZero = {INT32_MAX, INT32_MIN};
     if (zone->faceType == 5 || (b.allZonesAsPolyhedral && zone->faceType != 2)) {
         refusePolytopes();
         return false;
@@ -258,7 +256,7 @@ bool buildBoundaryZone(ZoneBuild& b, int32_t index, TaskProgress* task) {
             refusePolytopes();
             return false;
         }
-        if (!FaceZoneGetNodeNumbers(zone, caseFile, caseFile->totalNodes))
+        if (!FaceZoneGetNodeNumbersWithoutFaces(zone, caseFile, caseFile->totalNodes, &sideZero))
             return false;
     }
 
@@ -274,7 +272,7 @@ bool buildBoundaryZone(ZoneBuild& b, int32_t index, TaskProgress* task) {
 
     const int32_t strand = newZoneStrandId(&b.strands, b.solution, zone->zoneId,
                                            index == 0 && caseFile->numCellZones == 0, b.zonesAdded);
-    const ZorIndex parent = findParentZone(b, zone);
+    const ZorIndex parent = findParentZone(b, zone, sideZero);
     ZorIndex zoneNumber = 0;
     if (!startZoneArgs(b, name, &parent, strand, zone->hostZoneType) ||
         !addZone(b, zone->numNodes, numFaces, &zoneNumber))

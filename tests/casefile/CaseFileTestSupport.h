@@ -175,4 +175,40 @@ class CaseFileUse {
     CaseFile* caseFile_;
 };
 
+// The byte place in a binary case file of node k of face `face` (zero-based)
+// of the face zone with `zoneId`, a zone of one face type; *width gets the
+// places of a face (its nodes and two cells). A face of -1 gives the end of
+// the zone's body. -1 when the case does not scan or has no such zone.
+inline int64_t facePlace(const std::string& path, int32_t zoneId, int64_t face, int k, int* width) {
+    CaseFile* caseFile = static_cast<CaseFile*>(calloc(1, sizeof(CaseFile)));
+    snprintf(caseFile->fileName, sizeof caseFile->fileName, "%s", path.c_str());
+    caseFile->mutex = ZorUtilThreadMutexAlloc();
+    int64_t place = -1;
+    if (CaseFileScan(caseFile, false, nullptr, nullptr)) {
+        const FaceZone* zone = CaseFileFindFaceZone(caseFile, zoneId, false);
+        if (zone != nullptr) {
+            *width = zone->faceType + 2;
+            place = zone->filePosition + (face * *width + k) * 4;
+            if (face < 0)  // the end of the body
+                place = zone->filePosition +
+                        (static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1) * *width * 4;
+        }
+    }
+    CaseFileDelete(caseFile);
+    free(caseFile);
+    return place;
+}
+
+// Overwrites bytes of a file in place.
+inline void poke(const std::string& path, int64_t place, const std::string& bytes) {
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(place);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+// A 4-byte integer as this machine writes it.
+inline std::string int32Bytes(int32_t value) {
+    return std::string(reinterpret_cast<const char*>(&value), 4);
+}
+
 }  // namespace casefile_test

@@ -1,11 +1,16 @@
 // The node count of a cell zone for the zones of a scan: face zones read
 // through a buffer and not kept, where the case allows it, large ones by two
 // threads. The count, the messages and the result are those of the numbering
-// that loads the faces, and no numbering is left behind.
+// that loads the faces, and no numbering is left behind. And the numbering of
+// a boundary zone for a scan, read the same way: the nodes, map, messages and
+// result of the numbering that loads the faces, and the extremes of the cells
+// on side 0 of its faces.
 #include <algorithm>
 #include <array>
 #include <climits>
 #include <fstream>
+#include <functional>
+#include <iterator>
 #include <thread>
 
 #include "CaseFileTestSupport.h"
@@ -103,37 +108,6 @@ class NodeCountTest : public CaseFileTest {
         EXPECT_TRUE(streaming.ok);
         ASSERT_EQ(streaming.counts.size(), 1u);
         EXPECT_EQ(streaming.counts[0], nodes);
-    }
-
-    // The byte place of node k of face i of the face zone with `zoneId`.
-    static int64_t facePlace(const std::string& path, int32_t zoneId, int64_t face, int k, int* width) {
-        CaseFile* caseFile = static_cast<CaseFile*>(calloc(1, sizeof(CaseFile)));
-        snprintf(caseFile->fileName, sizeof caseFile->fileName, "%s", path.c_str());
-        caseFile->mutex = ZorUtilThreadMutexAlloc();
-        int64_t place = -1;
-        if (CaseFileScan(caseFile, false, nullptr, nullptr)) {
-            const FaceZone* zone = CaseFileFindFaceZone(caseFile, zoneId, false);
-            if (zone != nullptr) {
-                *width = zone->faceType + 2;
-                place = zone->filePosition + (face * *width + k) * 4;
-                if (face < 0)  // the end of the body
-                    place = zone->filePosition +
-                            (static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1) * *width * 4;
-            }
-        }
-        CaseFileDelete(caseFile);
-        free(caseFile);
-        return place;
-    }
-
-    static void poke(const std::string& path, int64_t place, const std::string& bytes) {
-        std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
-        file.seekp(place);
-        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-
-    static std::string int32Bytes(int32_t value) {
-        return std::string(reinterpret_cast<const char*>(&value), 4);
     }
 };
 
@@ -534,6 +508,267 @@ TEST_F(NodeCountThreadTest, ADamagedEndMarkerBehindTheSecondHalfFailsAsTheLoad) 
     EXPECT_GT(zonesInHalves([&] { streaming = compare(path); }), 0);
     EXPECT_FALSE(streaming.ok);
     EXPECT_TRUE(streaming.messages.empty()) << ::testing::PrintToString(streaming.messages);
+}
+
+// ---- Boundary zones numbered without keeping their faces ----------------------------------------
+
+// What numbering one face zone left behind.
+struct ZoneNumbering {
+    bool scanned = false;
+    bool ok = false;
+    std::vector<int32_t> zoneNodes;                    // the zone's nodes, ascending
+    std::vector<int32_t> mapped;                       // the map's number of each of them
+    CellRange sideZero = {INT32_MAX, INT32_MIN};       // as the scan's numbering gave it
+    CellRange facesSideZero = {INT32_MAX, INT32_MIN};  // from the faces in memory afterwards
+    bool facesInMemory = false;
+    std::vector<std::string> messages;
+};
+
+class BoundaryNumberingTest : public NodeCountTest {
+  protected:
+    // Scans the file and numbers the face zone with `zoneId` by loading its
+    // faces or, for a scan, without keeping them. `afterScan` may change the
+    // file between the scan and the numbering.
+    ZoneNumbering numberZone(const std::string& path, int32_t zoneId, bool withoutFaces,
+                             const std::function<void()>& afterScan = nullptr) {
+        minihost::resetRecords();
+        CaseFile* caseFile = newCaseFile(path);
+        ZoneNumbering out;
+        out.scanned = CaseFileScan(caseFile, false, nullptr, nullptr);
+        if (!out.scanned) {
+            out.messages = messageTexts();
+            return out;
+        }
+        if (afterScan)
+            afterScan();
+        CaseFileUse use(caseFile);
+        FaceZone* zone = CaseFileFindFaceZone(caseFile, zoneId, false);
+        if (zone == nullptr) {
+            ADD_FAILURE() << "no face zone " << zoneId;
+            return out;
+        }
+        out.ok = withoutFaces
+                     ? FaceZoneGetNodeNumbersWithoutFaces(zone, caseFile, caseFile->totalNodes, &out.sideZero)
+                     : FaceZoneGetNodeNumbers(zone, caseFile, caseFile->totalNodes);
+        if (out.ok) {
+            out.zoneNodes.assign(zone->zoneNodes, zone->zoneNodes + zone->numNodes);
+            EXPECT_EQ(zone->nodeNumberMap->size(), out.zoneNodes.size());
+            for (int32_t node : out.zoneNodes)
+                out.mapped.push_back(zone->nodeNumberMap->find(node));
+        }
+        out.facesInMemory = zone->faceCells != nullptr;
+        if (zone->faceCells != nullptr) {
+            const int64_t faces = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
+            for (int64_t f = 0; f < faces; ++f) {
+                const int32_t cell = zone->faceCells[2 * f];
+                if (cell != 0) {
+                    out.facesSideZero.lowest = std::min(out.facesSideZero.lowest, cell);
+                    out.facesSideZero.highest = std::max(out.facesSideZero.highest, cell);
+                }
+            }
+        }
+        out.messages = messageTexts();
+        return out;
+    }
+
+    // Both ways on one zone: the same result, messages, nodes and map, and
+    // the side-0 extremes of the faces as the loading numbering leaves them.
+    // Returns the scan's numbering.
+    ZoneNumbering compareZone(const std::string& path, int32_t zoneId,
+                              const std::function<void()>& afterScan = nullptr) {
+        const ZoneNumbering loading = numberZone(path, zoneId, false, afterScan);
+        const ZoneNumbering streaming = numberZone(path, zoneId, true, afterScan);
+        EXPECT_TRUE(streaming.scanned);
+        EXPECT_EQ(streaming.ok, loading.ok);
+        EXPECT_EQ(streaming.messages, loading.messages);
+        EXPECT_EQ(streaming.zoneNodes, loading.zoneNodes);
+        EXPECT_EQ(streaming.mapped, loading.mapped);
+        for (size_t i = 0; i < streaming.mapped.size(); ++i)
+            EXPECT_EQ(streaming.mapped[i], static_cast<int32_t>(i));
+        if (loading.ok && loading.facesInMemory) {
+            EXPECT_EQ(streaming.sideZero.lowest, loading.facesSideZero.lowest);
+            EXPECT_EQ(streaming.sideZero.highest, loading.facesSideZero.highest);
+        }
+        return streaming;
+    }
+
+    // The face zone ids of a case, in file order.
+    std::vector<int32_t> faceZoneIds(const std::string& path) {
+        CaseFile* caseFile = newCaseFile(path);
+        std::vector<int32_t> ids;
+        if (CaseFileScan(caseFile, false, nullptr, nullptr)) {
+            for (int32_t z = 0; z < caseFile->numFaceZones; ++z)
+                ids.push_back(caseFile->faceZones[z].zoneId);
+        }
+        return ids;
+    }
+};
+
+TEST_F(BoundaryNumberingTest, EveryZoneOfEveryKindOfMeshIsNumberedAsByLoading) {
+    for (MeshKind kind : {MeshKind::Hex, MeshKind::Tet, MeshKind::Wedge, MeshKind::Pyramid, MeshKind::Mixed,
+                          MeshKind::Quad, MeshKind::Tri, MeshKind::Mixed2D}) {
+        SCOPED_TRACE(static_cast<int>(kind));
+        // The larger box has sides of more faces than one read of the buffer holds.
+        for (std::array<int, 3> cells : {std::array<int, 3>{5, 4, 3}, std::array<int, 3>{40, 33, 2}}) {
+            fluentgen::Spec spec = box(kind);
+            spec.cells = cells;
+            const std::string path = write(spec);
+            const std::vector<int32_t> ids = faceZoneIds(path);
+            ASSERT_GE(ids.size(), 4u);
+            int streamed = 0;
+            for (int32_t id : ids) {
+                SCOPED_TRACE(id);
+                const ZoneNumbering streaming = compareZone(path, id);
+                EXPECT_TRUE(streaming.ok);
+                EXPECT_TRUE(streaming.messages.empty()) << ::testing::PrintToString(streaming.messages);
+                EXPECT_FALSE(streaming.zoneNodes.empty());
+                EXPECT_LE(streaming.sideZero.lowest, streaming.sideZero.highest);
+                streamed += streaming.facesInMemory ? 0 : 1;
+            }
+            // Zones of one face type are read without being kept; mixed ones are loaded.
+            if (kind == MeshKind::Hex || kind == MeshKind::Tet || kind == MeshKind::Quad ||
+                kind == MeshKind::Tri) {
+                EXPECT_EQ(streamed, static_cast<int>(ids.size()));
+            }
+        }
+    }
+}
+
+TEST_F(BoundaryNumberingTest, TheOtherByteOrderIsReadAndTextBodiesAreLoaded) {
+    fluentgen::Spec big = box(MeshKind::Tet);
+    big.byteOrder = fluentgen::ByteOrder::Big;
+    const std::string bigPath = write(big, "big.cas");
+    for (int32_t id : faceZoneIds(bigPath)) {
+        SCOPED_TRACE(id);
+        const ZoneNumbering streaming = compareZone(bigPath, id);
+        EXPECT_TRUE(streaming.ok);
+        EXPECT_FALSE(streaming.facesInMemory);
+    }
+    const std::string textPath = write(box(MeshKind::Hex, fluentgen::Encoding::Ascii), "text.cas");
+    for (int32_t id : faceZoneIds(textPath)) {
+        SCOPED_TRACE(id);
+        const ZoneNumbering streaming = compareZone(textPath, id);
+        EXPECT_TRUE(streaming.ok);
+        EXPECT_TRUE(streaming.facesInMemory);
+    }
+}
+
+TEST_F(BoundaryNumberingTest, ABadNodeGivesTheLoadsMessage) {
+    const std::string path = write(box(MeshKind::Hex));
+    int width = 0;
+    poke(path, facePlace(path, 5, 3, 1, &width), int32Bytes(0));
+    const ZoneNumbering streaming = compareZone(path, 5);
+    EXPECT_FALSE(streaming.ok);
+    EXPECT_EQ(streaming.messages,
+              texts({"Bad node number 0 for node 2 of face #4 in Faces section (Section 3013)."}));
+}
+
+TEST_F(BoundaryNumberingTest, NodesAboveTheCaseAreLeftOut) {
+    const std::string path = write(box(MeshKind::Hex));
+    const ZoneNumbering before = compareZone(path, 5);
+    int width = 0;
+    poke(path, facePlace(path, 5, 2, 3, &width), int32Bytes(6 * 5 * 4 + 1));
+    const ZoneNumbering after = compareZone(path, 5);
+    EXPECT_TRUE(after.ok);
+    // The face's other nodes are on neighbouring faces of the side; the node
+    // replaced may have been a node of this face alone.
+    EXPECT_LE(after.zoneNodes.size(), before.zoneNodes.size());
+    EXPECT_GE(after.zoneNodes.size() + 1, before.zoneNodes.size());
+    EXPECT_LE(after.zoneNodes.back(), 6 * 5 * 4);
+}
+
+TEST_F(BoundaryNumberingTest, AFileChangedBehindTheScanGivesTheLoadsMessage) {
+    // Cut inside the zone's faces, or its end marker spoilt, after the scan
+    // has passed over it: the read fails where the load fails.
+    for (int variant = 0; variant < 2; ++variant) {
+        SCOPED_TRACE(variant);
+        const std::string path = write(box(MeshKind::Hex), "changed" + std::to_string(variant) + ".cas");
+        const std::string original = [&] {
+            std::ifstream in(path, std::ios::binary);
+            return std::string(std::istreambuf_iterator<char>(in), {});
+        }();
+        int width = 0;
+        const int64_t cut = facePlace(path, 6, 5, 1, &width);
+        const int64_t end = facePlace(path, 6, -1, 0, &width);
+        ASSERT_GT(cut, 0);
+        const auto restore = [&] {
+            std::ofstream out(path, std::ios::binary | std::ios::trunc);
+            out << original;
+        };
+        const auto change = [&] {
+            if (variant == 0)
+                std::filesystem::resize_file(path, static_cast<uintmax_t>(cut));
+            else
+                poke(path, end + 2, "Xnd");
+        };
+        restore();
+        const ZoneNumbering loading = numberZone(path, 6, false, change);
+        restore();
+        const ZoneNumbering streaming = numberZone(path, 6, true, change);
+        EXPECT_TRUE(loading.scanned);
+        EXPECT_TRUE(streaming.scanned);
+        EXPECT_FALSE(loading.ok);
+        EXPECT_FALSE(streaming.ok);
+        EXPECT_EQ(streaming.messages, loading.messages);
+        if (variant == 0) {
+            EXPECT_EQ(streaming.messages, texts({"Read error while reading Faces section (section 3013)."}));
+        } else {
+            // The marker fails the section without a message of its own.
+            EXPECT_TRUE(streaming.messages.empty()) << ::testing::PrintToString(streaming.messages);
+        }
+    }
+}
+
+TEST_F(BoundaryNumberingTest, SideZeroHoldsTheExtremesOfTheNonZeroCells) {
+    const std::string path = write(box(MeshKind::Hex));
+    int width = 0;
+    ASSERT_GT(facePlace(path, 5, 0, 0, &width), 0);
+    const int64_t faces =
+        (facePlace(path, 5, -1, 0, &width) - facePlace(path, 5, 0, 0, &width)) / (width * 4);
+    ASSERT_GE(faces, 4);
+    // A cell of 0 is left out; any other number counts, in range or not.
+    poke(path, facePlace(path, 5, 0, width - 2, &width), int32Bytes(0));
+    poke(path, facePlace(path, 5, 2, width - 2, &width), int32Bytes(1000));
+    poke(path, facePlace(path, 5, 3, width - 2, &width), int32Bytes(-7));
+    ZoneNumbering streaming = compareZone(path, 5);
+    EXPECT_TRUE(streaming.ok);
+    EXPECT_EQ(streaming.sideZero.lowest, -7);
+    EXPECT_EQ(streaming.sideZero.highest, 1000);
+    // No cell on side 0 at all: an empty range.
+    for (int64_t face = 0; face < faces; ++face)
+        poke(path, facePlace(path, 5, face, width - 2, &width), int32Bytes(0));
+    streaming = compareZone(path, 5);
+    EXPECT_TRUE(streaming.ok);
+    EXPECT_EQ(streaming.sideZero.lowest, INT32_MAX);
+    EXPECT_EQ(streaming.sideZero.highest, INT32_MIN);
+}
+
+TEST_F(BoundaryNumberingTest, AZoneNumberedWithoutItsFacesLoadsThemWhenNumberedAgain) {
+    const std::string path = write(box(MeshKind::Hex));
+    CaseFile* caseFile = newCaseFile(path);
+    ASSERT_TRUE(CaseFileScan(caseFile, false, nullptr, nullptr));
+    CaseFileUse use(caseFile);
+    FaceZone* zone = CaseFileFindFaceZone(caseFile, 4, false);
+    ASSERT_NE(zone, nullptr);
+    CellRange sideZero;
+    ASSERT_TRUE(FaceZoneGetNodeNumbersWithoutFaces(zone, caseFile, caseFile->totalNodes, &sideZero));
+    EXPECT_EQ(zone->faceCells, nullptr);
+    const int32_t* numbering = zone->zoneNodes;
+    const std::vector<int32_t> nodes(numbering, numbering + zone->numNodes);
+    // The callers of the loading numbering go on to use the faces.
+    ASSERT_TRUE(FaceZoneGetNodeNumbers(zone, caseFile, caseFile->totalNodes));
+    EXPECT_NE(zone->faceCells, nullptr);
+    EXPECT_NE(zone->faceNodes, nullptr);
+    EXPECT_EQ(zone->zoneNodes, numbering);
+    EXPECT_EQ(std::vector<int32_t>(zone->zoneNodes, zone->zoneNodes + zone->numNodes), nodes);
+    // Faces in memory are used as they are, also for the side-0 extremes.
+    FaceZone* other = CaseFileFindFaceZone(caseFile, 5, false);
+    ASSERT_NE(other, nullptr);
+    ASSERT_TRUE(CaseFileLoadFaceZone(caseFile, other));
+    other->faceCells[0] = 999;
+    ASSERT_TRUE(FaceZoneGetNodeNumbersWithoutFaces(other, caseFile, caseFile->totalNodes, &sideZero));
+    EXPECT_EQ(sideZero.highest, 999);
+    EXPECT_TRUE(messageTexts().empty());
 }
 
 }  // namespace

@@ -1,10 +1,14 @@
 // The host zones made from a case file: which zones, in what order, with
 // what names, types, sizes and parents, and the selection numbers.
 #include <algorithm>
+#include <filesystem>
+#include <map>
 
+#include "casefile/CaseFileTestSupport.h"
 #include "dataset/GridZones.h"
 #include "lod/LodTestSupport.h"
 #include "lod/SmallCases.h"
+#include "tools/fluentgen/FluentGen.h"
 
 namespace {
 
@@ -226,6 +230,79 @@ TEST_F(GridZones, PolygonZonesAreRefusedWithAClearMessage) {
     EXPECT_FALSE(loadCase(write("square.cas", squareCase()), {"AllPolyZones", "Yes"}));
     EXPECT_EQ(shown().front().second,
               "Polygonal and polyhedral zones are not available in this version of the Fluent loader.");
+}
+
+// The parent of each boundary host zone, by the boundary's name.
+std::map<std::string, ZorIndex> boundaryParents() {
+    std::map<std::string, ZorIndex> parents;
+    for (ZorIndex z = 1; z <= ZorUtilDataSetGetNumZones(); ++z) {
+        if (ZorUtilZoneGetType(z) == ZorZoneType_FEQuad)
+            parents[zoneName(z)] = ZorUtilZoneGetParentZone(z);
+    }
+    return parents;
+}
+
+TEST_F(GridZones, ABoundaryIsTheChildOfTheCellZoneOfAllItsSideZeroCells) {
+    // Two cell zones in slabs along x; fluentgen splits each side by cell
+    // zone. The binary case is numbered without keeping its faces, the text
+    // one by loading them: the parents are the same.
+    const std::map<std::string, ZorIndex> expected = {
+        {"velocity-inlet-xmin", 1},  {"pressure-outlet-xmax", 2},      {"wall-ymin-1", 1},
+        {"wall-ymin-2", 2},          {"pressure-far-field-ymax-1", 1}, {"pressure-far-field-ymax-2", 2},
+        {"symmetry-zmin-1", 1},      {"symmetry-zmin-2", 2},           {"pressure-inlet-zmax-1", 1},
+        {"pressure-inlet-zmax-2", 2}};
+    std::string binaryPath;
+    for (fluentgen::Encoding encoding : {fluentgen::Encoding::BinaryDouble, fluentgen::Encoding::Ascii}) {
+        SCOPED_TRACE(static_cast<int>(encoding));
+        fluentgen::Spec spec;
+        spec.cells = {4, 2, 2};
+        spec.cellZoneTypes = {1, 17};
+        spec.encoding = encoding;
+        const std::string file = path(encoding == fluentgen::Encoding::Ascii ? "two-text.cas" : "two.cas");
+        fluentgen::writeCaseFile(spec, file);
+        if (encoding != fluentgen::Encoding::Ascii)
+            binaryPath = file;
+        dropEverything();
+        ASSERT_TRUE(loadCase(file, {"USE_METADATA", "No"}));
+        EXPECT_TRUE(shown().empty());
+        EXPECT_EQ(boundaryParents(), expected);
+        const CaseFile* caseFile = lastCaseFile();
+        for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+            const FaceZone& zone = caseFile->faceZones[z];
+            if (zone.hostZoneNumber > 0) {
+                const ZorIndex parent = ZorUtilZoneGetParentZone(zone.hostZoneNumber);
+                EXPECT_EQ(zone.parentCellZoneId, caseFile->cellZones[parent - 1].zoneId);
+            }
+        }
+    }
+    // One face of wall-ymin-1 with a cell of the second zone on side 0: no
+    // cell zone holds the whole boundary. A cell of 0 counts for any zone.
+    int32_t mixedId = 0, zeroId = 0, secondFirstCell = 0;
+    {
+        const CaseFile* caseFile = lastCaseFile();
+        for (int32_t z = 0; z < caseFile->numFaceZones; ++z) {
+            const FaceZone& zone = caseFile->faceZones[z];
+            if (zone.hostZoneNumber > 0 && zoneName(zone.hostZoneNumber) == "wall-ymin-1")
+                mixedId = zone.zoneId;
+            if (zone.hostZoneNumber > 0 && zoneName(zone.hostZoneNumber) == "pressure-inlet-zmax-2")
+                zeroId = zone.zoneId;
+        }
+        secondFirstCell = caseFile->cellZones[1].firstIndex;
+    }
+    ASSERT_GT(mixedId, 0);
+    ASSERT_GT(zeroId, 0);
+    const std::string damaged = path("two-mixed.cas");
+    std::filesystem::copy_file(binaryPath, damaged);
+    int width = 0;
+    casefile_test::poke(damaged, casefile_test::facePlace(damaged, mixedId, 1, 4, &width),
+                        casefile_test::int32Bytes(secondFirstCell));
+    casefile_test::poke(damaged, casefile_test::facePlace(damaged, zeroId, 0, 4, &width),
+                        casefile_test::int32Bytes(0));
+    dropEverything();
+    ASSERT_TRUE(loadCase(damaged, {"USE_METADATA", "No"}));
+    std::map<std::string, ZorIndex> parents = expected;
+    parents["wall-ymin-1"] = 0;
+    EXPECT_EQ(boundaryParents(), parents);
 }
 
 }  // namespace
