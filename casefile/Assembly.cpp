@@ -1368,8 +1368,8 @@ bool FaceZoneGetNodeNumbers(FaceZone* zone, CaseFile* caseFile, int32_t totalNod
     if (block == nullptr) {
         return false;
     }
-    // Counted as they are marked: a count of the bits afterwards would pass
-    // over every word of the case for every zone.
+    // Counted as they are marked, which spares a pass over every word of the
+    // case's bits.
     const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
     int32_t numNodes = 0;
     for (int64_t i = 0; slots > 0 && i < count; ++i) {
@@ -1393,6 +1393,8 @@ bool FaceZoneGetNodeNumbersWithoutFaces(FaceZone* zone, CaseFile* caseFile, int3
         bool failed = false;
         if (markFaceZoneWithoutLoading(caseFile, zone, INT32_MIN, INT32_MAX, block + 1, totalNodes, sideZero,
                                        FaceRows{rows, 1024}, &failed)) {
+            // The streamed marking, which the cell zone count shares, does not
+            // count; one pass over the words does, most of them clear.
             return numberMarkedNodes(zone, caseFile, block, countBits(block + 1, words));
         }
         // Marks of a false start are not cleared: the block goes.
