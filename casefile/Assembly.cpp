@@ -332,12 +332,12 @@ static int32_t endOfParentGroup(const ChildFace* record, int32_t j) {
 // ---- Node marks --------------------------------------------------------------------------------
 
 // Marks of the nodes of a zone, one per case node: the integers of a cell
-// zone's numbering (set to 1); the bytes of a cell zone's node count (set to
-// 1), which two threads may mark at once; or bits, for a boundary zone's few
-// nodes, which a numbering passes over 64 nodes a word. A byte is the
+// zone's numbering (set to 1) or the bytes of a cell zone's node count (set
+// to 1), which two threads may mark at once; or bits, for a boundary zone's
+// few nodes, which a numbering passes over 64 nodes a word. A byte is the
 // quickest mark to set: it is only written.
 static inline void setMark(int32_t* marks, uint32_t g) {
-    marks[g] = 1;
+    __atomic_store_n(&marks[g], int32_t{1}, __ATOMIC_RELAXED);  // two threads may mark a zone in memory
 }
 
 static inline void setMark(uint8_t* marks, uint32_t g) {
@@ -768,6 +768,64 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     return closed;
 }
 
+// ---- Faces in memory -----------------------------------------------------------------------------
+
+// What marking a face zone in memory needs, for a zone without child faces.
+template <typename Mark>
+struct LoadedMarking {
+    const FaceZone* faceZone;  // the zone: faceCells and faceNodes in memory
+    int32_t slots;             // places per face in faceNodes
+    int32_t first;             // first cell whose faces count (on either side)
+    int32_t last;              // last cell whose faces count
+    Mark* marks;               // one per case node, set for the nodes of faces that count
+    int32_t totalNodes;        // marks that are nodes
+};
+
+// Marks the nodes of faces `begin` to `end` (zero-based, end excluded) that
+// have a cell of first..last on a side.
+template <typename Mark>
+static void markLoadedFaces(const LoadedMarking<Mark>& job, int64_t begin, int64_t end) {
+    const int32_t first = job.first, last = job.last, totalNodes = job.totalNodes, slots = job.slots;
+    const int32_t* cells = job.faceZone->faceCells;
+    const int32_t* nodes = job.faceZone->faceNodes;
+    Mark* const marks = job.marks;
+    for (int64_t i = begin; i < end; ++i) {
+        const int32_t c0 = cells[2 * i], c1 = cells[2 * i + 1];
+        if ((first <= c0 && c0 <= last) || (first <= c1 && c1 <= last)) {
+            markFaceNodes(marks, totalNodes, nodes + i * slots, slots);
+        }
+    }
+}
+
+// One thread's part of a zone in memory shared out between two.
+template <typename Mark>
+static void markSharedLoadedFaces(const LoadedMarking<Mark>& job, FaceShares* shares, int me) {
+    int64_t begin = 0, end = 0;
+    while (FaceSharesTake(shares, me, &begin, &end)) {
+        markLoadedFaces(job, begin, end);
+    }
+}
+
+// Marks the `count` faces of a zone in memory; a large zone by two threads,
+// which share the faces out as they go. Every mark is only set, so the marks
+// are those of one thread marking every face, whichever thread sets them.
+template <typename Mark>
+static void markLoadedZone(const LoadedMarking<Mark>& job, int64_t count) {
+    static_assert(!std::is_same<Mark, uint64_t>::value, "bits are set by one thread");
+    if (count >= gParallelMarkMinFaces && count >= 2) {
+        FaceShares shares;
+        FaceSharesInit(&shares, count);
+        HelperThread second;
+        if (second.start([&job, &shares] { markSharedLoadedFaces(job, &shares, 1); })) {
+            markSharedLoadedFaces(job, &shares, 0);
+            second.join();
+            gFaceZonesMarkedInParallel.fetch_add(1, std::memory_order_relaxed);
+            return;
+        }
+    }
+    markLoadedFaces(job, 0, count);  // a small zone, or no thread
+}
+
 // ---- Node numbering of a cell zone ------------------------------------------------------------
 
 static void freeCellZoneNumbering(CellZone* zone) {
@@ -853,26 +911,28 @@ static NodeWalk markCellZoneNodes(CellZone* zone, CaseFile* caseFile, int32_t to
         }
         const int32_t* cells = faceZone->faceCells;
         const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
+        if (record == nullptr || record->pairs == nullptr) {
+            markLoadedZone(LoadedMarking<Mark>{faceZone, slots, first, last, marks, totalNodes}, count);
+            continue;
+        }
+        // Child faces: a parent stands in for the group it replaces.
         for (int64_t i = 0; i < count;) {
             int32_t c0 = cells[2 * i], c1 = cells[2 * i + 1];
             if (!(first <= c0 && c0 <= last) && !(first <= c1 && c1 <= last)) {
                 ++i;
                 continue;
             }
-            if (record != nullptr && record->pairs != nullptr) {
-                int32_t j = findChildPair(record, static_cast<int32_t>(faceZone->firstIndex + i));
-                if (j >= 0) {
-                    int64_t parentIndex =
-                        static_cast<int64_t>(record->pairs[2 * j + 1]) - parentZone->firstIndex;
-                    if (parentIndex >= 0 && parentIndex <= parentZone->lastIndex - parentZone->firstIndex) {
-                        markFaceNodes(marks, totalNodes, parentZone->faceNodes + parentIndex * parentSlots,
-                                      parentSlots);
-                    }
-                    // The face behind the group is stepped over unseen (the "+ 1").
-                    int32_t k = endOfParentGroup(record, j);
-                    i += (k - j) + 1;
-                    continue;
+            const int32_t j = findChildPair(record, static_cast<int32_t>(faceZone->firstIndex + i));
+            if (j >= 0) {
+                int64_t parentIndex = static_cast<int64_t>(record->pairs[2 * j + 1]) - parentZone->firstIndex;
+                if (parentIndex >= 0 && parentIndex <= parentZone->lastIndex - parentZone->firstIndex) {
+                    markFaceNodes(marks, totalNodes, parentZone->faceNodes + parentIndex * parentSlots,
+                                  parentSlots);
                 }
+                // The face behind the group is stepped over unseen (the "+ 1").
+                int32_t k = endOfParentGroup(record, j);
+                i += (k - j) + 1;
+                continue;
             }
             markFaceNodes(marks, totalNodes, faceZone->faceNodes + i * slots, slots);
             ++i;

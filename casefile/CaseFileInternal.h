@@ -48,12 +48,13 @@ void* bulkCalloc(size_t count, size_t size);
 extern int32_t gParallelAssemblyMinCells;
 // Assemblies that two threads completed, since the process began.
 extern std::atomic<int64_t> gAssembliesInHalves;
-// Face zones of at least this many faces that a first scan reads for a cell
-// zone's node count without keeping them are read by two threads, which
-// share the faces out as they go (FaceShares); smaller ones by the calling
-// thread alone. Tests lower it to reach small zones.
+// Face zones of at least this many faces whose nodes a cell zone's node
+// count or numbering marks are marked by two threads, which share the faces
+// out as they go (FaceShares): read through buffers and not kept, for the
+// count of a first scan, or in memory; smaller ones by the calling thread
+// alone. Tests lower it to reach small zones.
 extern int64_t gParallelMarkMinFaces;
-// Face zones that two threads read and marked, since the process began.
+// Face zones that two threads marked, since the process began.
 extern std::atomic<int64_t> gFaceZonesMarkedInParallel;
 // Faces a thread takes at a time from a shared zone; a rest of fewer than
 // twice this many is not split. Tests lower it to share small zones out.

@@ -510,6 +510,80 @@ TEST_F(NodeCountThreadTest, ADamagedEndMarkerBehindTheSecondHalfFailsAsTheLoad) 
     EXPECT_TRUE(streaming.messages.empty()) << ::testing::PrintToString(streaming.messages);
 }
 
+// The numbering that loads the faces marks a large zone in memory with two
+// threads as well: the numbering, the count and the messages are those of one
+// thread, on every kind of mesh, with mixed face zones, hanging nodes (whose
+// zones with child faces one thread marks) and two cell zones.
+TEST_F(NodeCountThreadTest, TwoThreadsNumberAZoneInMemoryAsOne) {
+    struct Case {
+        MeshKind kind;
+        bool mixedFaces;
+        bool hanging;
+        std::vector<int> cellZoneTypes;  // empty: the generator's default
+    };
+    const std::vector<Case> cases = {
+        {MeshKind::Hex, false, false, {}},        {MeshKind::Tet, false, false, {}},
+        {MeshKind::Wedge, false, false, {}},      {MeshKind::Pyramid, true, false, {}},
+        {MeshKind::Mixed, false, false, {}},      {MeshKind::Quad, false, false, {}},
+        {MeshKind::Tri, true, false, {}},         {MeshKind::Mixed2D, false, false, {}},
+        {MeshKind::Hex, false, true, {}},         {MeshKind::Hex, true, false, {1, 17}},
+        {MeshKind::Wedge, false, false, {1, 17}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(static_cast<int>(c.kind)) + (c.mixedFaces ? " mixed faces" : "") +
+                     (c.hanging ? " hanging" : "") + " zones " + std::to_string(c.cellZoneTypes.size()));
+        fluentgen::Spec spec = box(c.kind);
+        spec.cells = {6, 5, 4};
+        spec.mixedFaceTypes = c.mixedFaces;
+        spec.hanging = c.hanging;
+        if (!c.cellZoneTypes.empty())
+            spec.cellZoneTypes = c.cellZoneTypes;
+        const std::string path = write(spec);
+        Numbering two;
+        EXPECT_GT(zonesInHalves([&] { two = number(path, false); }), 0);
+        const int64_t saved = gParallelMarkMinFaces;
+        gParallelMarkMinFaces = INT64_MAX;
+        Numbering one;
+        EXPECT_EQ(zonesInHalves([&] { one = number(path, false); }), 0);
+        gParallelMarkMinFaces = saved;
+        EXPECT_TRUE(one.ok);
+        EXPECT_TRUE(one.messages.empty()) << ::testing::PrintToString(one.messages);
+        EXPECT_EQ(two.ok, one.ok);
+        EXPECT_EQ(two.messages, one.messages);
+        EXPECT_EQ(two.counts, one.counts);
+        EXPECT_EQ(two.newToOld, one.newToOld);
+        EXPECT_EQ(two.elementTypes, one.elementTypes);
+        // Zones of parent cells (hanging nodes) are not numbered.
+        EXPECT_GT(one.numbered, 0);
+        for (size_t i = 0; i < one.counts.size(); ++i)
+            EXPECT_EQ(static_cast<size_t>(one.counts[i]), one.newToOld[i].size());
+    }
+}
+
+TEST_F(NodeCountThreadTest, TwoThreadsNumberTwoCellZonesEachWithTheirOwnNodes) {
+    // Two zones of 4 x 3 x 3 hexahedra each: each has 5 x 4 x 4 nodes, and
+    // the plane between them (4 x 4 nodes) belongs to both.
+    fluentgen::Spec two = box(MeshKind::Hex);
+    two.cells = {8, 3, 3};
+    two.cellZoneTypes = {1, 17};
+    const std::string path = write(two);
+    Numbering numbering;
+    EXPECT_GT(zonesInHalves([&] { numbering = number(path, false); }), 0);
+    ASSERT_TRUE(numbering.ok);
+    ASSERT_EQ(numbering.counts.size(), 2u);
+    EXPECT_EQ(numbering.counts[0], 5 * 4 * 4);
+    EXPECT_EQ(numbering.counts[1], 5 * 4 * 4);
+    // Each numbering lists its zone's nodes in ascending order, and they
+    // share exactly the 16 nodes of the plane between them.
+    for (const std::vector<int32_t>& nodes : numbering.newToOld)
+        EXPECT_TRUE(std::is_sorted(nodes.begin(), nodes.end()));
+    std::vector<int32_t> shared;
+    std::set_intersection(numbering.newToOld[0].begin(), numbering.newToOld[0].end(),
+                          numbering.newToOld[1].begin(), numbering.newToOld[1].end(),
+                          std::back_inserter(shared));
+    EXPECT_EQ(shared.size(), 16u);
+}
+
 // ---- Boundary zones numbered without keeping their faces ----------------------------------------
 
 // What numbering one face zone left behind.
