@@ -188,6 +188,33 @@ bool fetchValueStats(ZorIndex zone, ZorIndex var, Values* scratch, ValueStats* s
     return true;
 }
 
+int64_t countOutside(const int32_t* numbers, size_t n, int64_t points) {
+    // One unsigned comparison a number: a negative one wraps above any limit,
+    // and no 32-bit number reaches a limit of 2^31. Four lanes at a time, each
+    // counting down by the comparison's -1, in rounds short enough that no
+    // lane can wrap: a large map is read at the speed of memory.
+    typedef uint32_t Lanes __attribute__((vector_size(16)));
+    const uint32_t limit =
+        static_cast<uint32_t>(std::min<int64_t>(std::max<int64_t>(points, 0), INT64_C(1) << 31));
+    const Lanes limits = {limit, limit, limit, limit};
+    constexpr size_t kRound = size_t(1) << 30;  // numbers per round
+    int64_t count = 0;
+    size_t i = 0;
+    while (n - i >= 4) {
+        const size_t end = i + std::min(kRound, (n - i) / 4 * 4);
+        Lanes lanes = {0, 0, 0, 0};
+        for (; i < end; i += 4) {
+            Lanes v;
+            std::memcpy(&v, numbers + i, sizeof v);
+            lanes -= reinterpret_cast<Lanes>(v >= limits);
+        }
+        count += int64_t{lanes[0]} + lanes[1] + lanes[2] + lanes[3];
+    }
+    for (; i < n; ++i)
+        count += static_cast<uint32_t>(numbers[i]) >= limit;
+    return count;
+}
+
 bool countNodeMapOutside(ZorIndex zone, int64_t points, int64_t* outside) {
     RequestGuard guard;
     ZorNodeMap map = ZorUtilDataNodeGetReadableRef(zone);
@@ -209,9 +236,7 @@ bool countNodeMapOutside(ZorIndex zone, int64_t points, int64_t* outside) {
             for (size_t i = 0; i < slots; ++i)
                 count += wide[i] < 0 || wide[i] >= points;
         } else {
-            const int32_t* narrow = static_cast<const int32_t*>(raw);
-            for (size_t i = 0; i < slots; ++i)
-                count += narrow[i] < 0 || narrow[i] >= points;
+            count = countOutside(static_cast<const int32_t*>(raw), slots, points);
         }
         *outside = count;
         return true;

@@ -41,6 +41,9 @@ bool fetchValues(ZorIndex zone, ZorIndex var, Values* out);
 // fetchValues.
 bool fetchValueStats(ZorIndex zone, ZorIndex var, Values* scratch, ValueStats* stats);
 
+// How many of n zero-based node numbers lie outside 0 to points - 1.
+int64_t countOutside(const int32_t* numbers, size_t n, int64_t points);
+
 // Loads a classic zone's node map and counts its points outside 0 to points - 1,
 // reading the map where the host keeps it. False when the zone has none or its
 // load failed.

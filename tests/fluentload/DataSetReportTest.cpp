@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <fstream>
+#include <limits>
 
 #include "TestDataSet.h"
 #include "VtkReadBack.h"
@@ -699,6 +700,42 @@ TEST_F(DataSetReport, FiniteElementZoneWithoutCoordinatesCannotBeExported) {
     std::vector<std::string> problems;
     EXPECT_FALSE(fluentload::zoneGrid(fluentload::readDataSetInfo(), 0, &grid, &error, &problems));
     EXPECT_EQ(error, "the data set has no variable X to place the points of zone 1 \"tri\"");
+}
+
+// The count of node numbers outside a zone, against the plain comparison,
+// for every length up to a few rounds of four, a bad number in every place,
+// the numbers next to both ends of the range, and limits at the ends of the
+// 32-bit numbers.
+TEST(CountOutside, CountsEveryNumberOutsideTheRangeAsThePlainComparison) {
+    auto plain = [](const std::vector<int32_t>& v, int64_t points) {
+        int64_t n = 0;
+        for (int32_t x : v)
+            n += x < 0 || x >= points;
+        return n;
+    };
+    const int32_t kMax = std::numeric_limits<int32_t>::max();
+    const int32_t kMin = std::numeric_limits<int32_t>::min();
+    for (int64_t points : {int64_t{0}, int64_t{1}, int64_t{7}, int64_t{kMax}, int64_t{kMax} + 1,
+                           int64_t{1} << 40, int64_t{-3}}) {
+        for (size_t length = 0; length <= 19; ++length) {
+            for (size_t bad = 0; bad <= length; ++bad) {
+                std::vector<int32_t> v(length);
+                for (size_t i = 0; i < length; ++i)
+                    v[i] = static_cast<int32_t>(i % 7);
+                if (bad < length)
+                    v[bad] = bad % 2 == 0 ? -1 : 7;
+                SCOPED_TRACE(std::to_string(points) + " " + std::to_string(length) + " " +
+                             std::to_string(bad));
+                EXPECT_EQ(fluentload::countOutside(v.data(), v.size(), points), plain(v, points));
+            }
+        }
+        const std::vector<int32_t> edges = {kMin, kMin + 1, -2, -1, 0, 1, 5, 6, 7, 8, kMax - 1, kMax};
+        EXPECT_EQ(fluentload::countOutside(edges.data(), edges.size(), points), plain(edges, points))
+            << points;
+    }
+    // Of 7 points: 1, 5 and 6 of the edges lie inside, besides 0.
+    const std::vector<int32_t> edges = {kMin, -1, 0, 1, 5, 6, 7, kMax};
+    EXPECT_EQ(fluentload::countOutside(edges.data(), edges.size(), 7), 4);
 }
 
 TEST_F(DataSetReport, NodeMapOutsideTheZoneIsCaughtByThePullAndTheExport) {
