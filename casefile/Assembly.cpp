@@ -32,6 +32,7 @@
 #include "casefile/CaseFileInternal.h"
 #include "support/BulkMemory.h"
 #include "support/HelperThread.h"
+#include "support/MappedRange.h"
 
 static const int kBrickFaceTable[6][4] = {{0, 3, 7, 4}, {2, 1, 5, 6}, {1, 0, 4, 5},
                                           {3, 2, 6, 7}, {0, 1, 2, 3}, {4, 5, 6, 7}};
@@ -457,13 +458,21 @@ static size_t nodeBitWords(int32_t totalNodes) {
 typedef uint32_t Lanes __attribute__((vector_size(16)));
 typedef int32_t LaneFlags __attribute__((vector_size(16)));
 
+// The 4-byte integer at place `place` of rows in memory, however the rows
+// are aligned: a body mapped from the file starts where its section put it.
+static inline int32_t placeAt(const unsigned char* rows, int64_t place) {
+    int32_t value;
+    memcpy(&value, rows + 4 * place, sizeof value);
+    return value;
+}
+
 // Whether every one of `faces` rows of a block (Nodes nodes, then two cells)
 // has all its nodes in 1..totalNodes and its first cell in first..last, so
 // that every node of every face is marked with no test left to make. Four
 // rows fill Nodes + 2 groups of lanes exactly: lane l of group v always holds
 // place (4 v + l) mod (Nodes + 2) of a row, and one bound per lane checks it.
 template <int Nodes>
-static bool facesAreInside(const int32_t* rows, int64_t faces, int32_t totalNodes, int32_t first,
+static bool facesAreInside(const unsigned char* rows, int64_t faces, int32_t totalNodes, int32_t first,
                            int32_t last) {
     constexpr int kWidth = Nodes + 2;
     if (totalNodes < 1 || last < first) {
@@ -488,32 +497,36 @@ static bool facesAreInside(const int32_t* rows, int64_t faces, int32_t totalNode
     LaneFlags outside = {0, 0, 0, 0};
     int64_t f = 0;
     for (; f + 4 <= faces; f += 4) {
-        const int32_t* group = rows + f * kWidth;
+        const unsigned char* group = rows + 4 * f * kWidth;
         for (int v = 0; v < kWidth; ++v) {
             Lanes x;
-            memcpy(&x, group + 4 * v, sizeof x);
+            memcpy(&x, group + 16 * v, sizeof x);
             outside |=
                 reinterpret_cast<LaneFlags>((x - low[v]) ^ kSign) > reinterpret_cast<LaneFlags>(span[v]);
         }
     }
     bool inside = outside[0] == 0 && outside[1] == 0 && outside[2] == 0 && outside[3] == 0;
-    for (const int32_t* row = rows + f * kWidth; inside && f < faces; ++f, row += kWidth) {
+    for (; inside && f < faces; ++f) {
         for (int k = 0; k < Nodes; ++k) {
-            inside = inside && row[k] >= 1 && row[k] <= totalNodes;
+            const int32_t node = placeAt(rows, f * kWidth + k);
+            inside = inside && node >= 1 && node <= totalNodes;
         }
-        inside = inside && first <= row[Nodes] && row[Nodes] <= last;
+        const int32_t cell = placeAt(rows, f * kWidth + Nodes);
+        inside = inside && first <= cell && cell <= last;
     }
     return inside;
 }
 
-// Takes the non-zero cells on side 0 of `faces` rows of `width` places into
-// `range`.
-static void widenSideZero(CellRange* range, const int32_t* cells, int64_t faces, int64_t width) {
+// Takes the non-zero cells on side 0 of `faces` rows of `width` places, the
+// first of them at place `place` of `rows`, into `range`.
+static void widenSideZero(CellRange* range, const unsigned char* rows, int64_t place, int64_t faces,
+                          int64_t width) {
     int32_t lowest = range->lowest, highest = range->highest;
-    for (int64_t f = 0; f < faces; ++f, cells += width) {
-        if (*cells != 0) {
-            lowest = std::min(lowest, *cells);
-            highest = std::max(highest, *cells);
+    for (int64_t f = 0; f < faces; ++f, place += width) {
+        const int32_t cell = placeAt(rows, place);
+        if (cell != 0) {
+            lowest = std::min(lowest, cell);
+            highest = std::max(highest, cell);
         }
     }
     range->lowest = lowest;
@@ -533,6 +546,8 @@ struct FaceMarking {
     int32_t totalNodes;        // marks that are nodes
     CellRange* sideZero;       // widened by the non-zero cells on side 0 of every face; NULL when not wanted
     std::atomic<bool>* stop;   // set when the other thread failed; its result no longer matters
+    const unsigned char*
+        body;  // the zone's body mapped from the file, face 0 first; NULL = read through streams
 };
 
 // Rows read at a time while marking: at most four nodes and two cells each.
@@ -551,14 +566,15 @@ static MarkBlock newMarkBlock() {
 
 // Marks the nodes of faces `begin` to `end` (zero-based, end excluded) of a
 // zone of one node count (2, 3 or 4), in a binary body of 4-byte integers,
-// that have a cell of first..last on a side, reading the body through
-// `buffer` from `stream`, which stands at face `begin`, and keeping nothing.
-// On success the stream stands behind face `end`. False, nothing shown and
-// perhaps some nodes marked, where the load's block reader would hand a face
-// to the face-by-face reader (a node number below 1, a short read), where the
-// file cannot be read, or where the other thread stopped it: the caller then
-// loads the zone, which says what is wrong. Marks are only ever set, so those
-// of a false start are set again by the load.
+// that have a cell of first..last on a side, keeping nothing. The rows come
+// from the mapped body when there is one; else they are read through
+// `buffer` from `stream`, which stands at face `begin`, and on success stands
+// behind face `end`. False, nothing shown and perhaps some nodes marked,
+// where the load's block reader would hand a face to the face-by-face reader
+// (a node number below 1, a short read), where the file cannot be read, or
+// where the other thread stopped it: the caller then loads the zone, which
+// says what is wrong. Marks are only ever set, so those of a false start are
+// set again by the load.
 template <int Nodes, typename Mark>
 static bool markStreamedFaces(const FaceMarking<Mark>& job, FILE* stream, int64_t begin, int64_t end,
                               const FaceRows& buffer) {
@@ -574,7 +590,14 @@ static bool markStreamedFaces(const FaceMarking<Mark>& job, FILE* stream, int64_
         }
         const int64_t faces = std::min(buffer.faces, end - done);
         const size_t want = static_cast<size_t>(faces * kWidth);
-        if (fread(block, sizeof(int32_t), want, stream) != want) {
+        const unsigned char* rows = reinterpret_cast<const unsigned char*>(block);
+        if (job.body != nullptr) {
+            rows = job.body + 4 * done * kWidth;
+            if (swap) {
+                memcpy(block, rows, want * sizeof(int32_t));
+                rows = reinterpret_cast<const unsigned char*>(block);
+            }
+        } else if (fread(block, sizeof(int32_t), want, stream) != want) {
             return false;
         }
         if (swap) {
@@ -583,19 +606,23 @@ static bool markStreamedFaces(const FaceMarking<Mark>& job, FILE* stream, int64_
             }
         }
         if (job.sideZero != nullptr) {
-            widenSideZero(job.sideZero, block + Nodes, faces, kWidth);
+            widenSideZero(job.sideZero, rows, Nodes, faces, kWidth);
         }
-        const int32_t* p = block;
-        if (facesAreInside<Nodes>(p, faces, totalNodes, first, last)) {
+        if (facesAreInside<Nodes>(rows, faces, totalNodes, first, last)) {
             // The common block: every node of every face is marked.
-            for (int64_t f = 0; f < faces; ++f, p += kWidth) {
+            const unsigned char* p = rows;
+            for (int64_t f = 0; f < faces; ++f, p += 4 * kWidth) {
                 for (int k = 0; k < Nodes; ++k) {
-                    setMark(marks, static_cast<uint32_t>(p[k] - 1));
+                    setMark(marks, static_cast<uint32_t>(placeAt(p, k) - 1));
                 }
             }
             done += faces;
             continue;
         }
+        if (rows != reinterpret_cast<const unsigned char*>(block)) {
+            memcpy(block, rows, want * sizeof(int32_t));  // aligned for the face-by-face marking
+        }
+        const int32_t* p = block;
         for (int64_t f = 0; f < faces; ++f, p += kWidth) {
             for (int k = 0; k < Nodes; ++k) {
                 if (p[k] < 1) {
@@ -656,39 +683,47 @@ bool FaceSharesTake(FaceShares* shares, int me, int64_t* begin, int64_t* end) {
     return true;
 }
 
-// One thread's part of a shared zone, read through `stream` (its own).
+// One thread's part of a shared zone, read from the mapped body or through
+// `stream` (its own).
 static bool markSharedFaces(const FaceMarking<uint8_t>& job, FaceShares* shares, int me, FILE* stream,
                             const FaceRows& buffer) {
     int64_t begin = 0, end = 0;
     while (FaceSharesTake(shares, me, &begin, &end)) {
-        if (fseeko(stream, streamedFacePlace(job.faceZone, begin), SEEK_SET) != 0 ||
-            !markStreamedFaceRange(job, stream, begin, end, buffer)) {
+        if (job.body == nullptr && fseeko(stream, streamedFacePlace(job.faceZone, begin), SEEK_SET) != 0) {
+            return false;
+        }
+        if (!markStreamedFaceRange(job, stream, begin, end, buffer)) {
             return false;
         }
     }
     return true;
 }
 
-// The second thread's part, through a stream and a buffer of its own.
+// The second thread's part, through a buffer of its own, and a stream of its
+// own where the body is not mapped.
 static bool markSecondPart(const FaceMarking<uint8_t>& job, FaceShares* shares) {
     MarkBlock block = newMarkBlock();
     if (block == nullptr) {
         return false;
     }
-    FILE* stream = openFilePath(job.caseFile->fileName, "rb");
-    if (stream == nullptr) {
-        return false;
+    FILE* stream = nullptr;
+    if (job.body == nullptr) {
+        stream = openFilePath(job.caseFile->fileName, "rb");
+        if (stream == nullptr) {
+            return false;
+        }
     }
     const bool read = markSharedFaces(job, shares, 1, stream, FaceRows{block.get(), kMarkFacesPerBlock});
-    fclose(stream);
+    if (stream != nullptr) {
+        fclose(stream);
+    }
     return read;
 }
 
 // Marks the `count` faces of a face zone into bytes, through `stream`, which
 // stands at its first face, and `buffer`, with a second thread, which reads
-// through a stream and a buffer of its own: they start at the first face and
-// at the middle and share out the rest as they go. On success the stream
-// stands behind the last face.
+// through a buffer of its own: they start at the first face and at the
+// middle and share out the rest as they go.
 static bool markZoneInTwoThreads(const FaceMarking<uint8_t>& job, FILE* stream, const FaceRows& buffer,
                                  int64_t count) {
     FaceShares shares;
@@ -713,24 +748,31 @@ static bool markZoneInTwoThreads(const FaceMarking<uint8_t>& job, FILE* stream, 
         return false;
     }
     gFaceZonesMarkedInParallel.fetch_add(1, std::memory_order_relaxed);
-    // Behind the last face, where reading every face would have left it.
-    return fseeko(stream, streamedFacePlace(job.faceZone, count), SEEK_SET) == 0;
+    return true;
 }
 
 // Marks the faces of a face zone through `stream`, which stands at its first
-// face, and `buffer`: a large zone, where the marks are bytes, by two
-// threads. On success the stream stands behind the last face.
+// face, and `buffer`, or from the mapped body: a large zone, where the marks
+// are bytes, by two threads. On success the stream stands behind the last
+// face, where reading every face would have left it.
 template <typename Mark>
 static bool markStreamedZone(FaceMarking<Mark> job, FILE* stream, const FaceRows& buffer) {
     const int64_t count = static_cast<int64_t>(job.faceZone->lastIndex) - job.faceZone->firstIndex + 1;
     std::atomic<bool> stop{false};
     job.stop = &stop;
+    bool read = false;
+    bool moved = false;  // whether the stream was left somewhere else
     if constexpr (std::is_same<Mark, uint8_t>::value) {
         if (count >= gParallelMarkMinFaces && count >= 2) {
-            return markZoneInTwoThreads(job, stream, buffer, count);
+            read = markZoneInTwoThreads(job, stream, buffer, count);
+            moved = true;
         }
     }
-    return markStreamedFaceRange(job, stream, 0, count, buffer);
+    if (!moved) {
+        read = markStreamedFaceRange(job, stream, 0, count, buffer);
+        moved = job.body != nullptr;
+    }
+    return read && (!moved || fseeko(stream, streamedFacePlace(job.faceZone, count), SEEK_SET) == 0);
 }
 
 // Marks the nodes of the faces of a face zone that is not in memory that
@@ -740,7 +782,8 @@ static bool markStreamedZone(FaceMarking<Mark> job, FILE* stream, const FaceRows
 // (nothing shown; the body is not binary with 4-byte integers and one node
 // count, or the faces are not as the load's block reader takes them); false
 // with *failed set when closing the section failed, the message shown as the
-// load shows it.
+// load shows it. A body of gMappedBodyMinBytes or more is read from a mapping
+// of the file where the system gives one, a smaller one through `buffer`.
 template <typename Mark>
 static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZone, int32_t first,
                                        int32_t last, Mark* marks, int32_t totalNodes, CellRange* sideZero,
@@ -754,7 +797,18 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     if (stream == nullptr) {
         return false;
     }
-    const FaceMarking<Mark> job{caseFile, faceZone, first, last, marks, totalNodes, sideZero, nullptr};
+    const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
+    const int64_t bodyBytes = count * (faceZone->faceType + 2) * 4;
+    MappedRange body;
+    if (bodyBytes >= gMappedBodyMinBytes) {
+        // Where the file is shorter than the body, the reads through the
+        // stream come short, as the load's do.
+        if (body.map(stream, streamedFacePlace(faceZone, 0), bodyBytes)) {
+            gFaceBodiesMapped.fetch_add(1, std::memory_order_relaxed);
+        }
+    }
+    const FaceMarking<Mark> job{caseFile,   faceZone, first,   last,        marks,
+                                totalNodes, sideZero, nullptr, body.bytes()};
     const bool read = fseeko(stream, streamedFacePlace(faceZone, 0), SEEK_SET) == 0 &&
                       markStreamedZone(job, stream, buffer);
     if (!read) {
@@ -1042,6 +1096,8 @@ std::atomic<int64_t> gAssembliesInHalves{0};
 int64_t gParallelMarkMinFaces = 262144;
 std::atomic<int64_t> gFaceZonesMarkedInParallel{0};
 int64_t gSharedFacesPerTake = kMarkFacesPerBlock;  // one read of a buffer per take
+int64_t gMappedBodyMinBytes = int64_t(1) << 20;
+std::atomic<int64_t> gFaceBodiesMapped{0};
 
 namespace {
 
@@ -1468,8 +1524,8 @@ bool FaceZoneGetNodeNumbersWithoutFaces(FaceZone* zone, CaseFile* caseFile, int3
         return false;
     }
     if (zone->faceCells != nullptr) {
-        widenSideZero(sideZero, zone->faceCells, static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1,
-                      2);
+        widenSideZero(sideZero, reinterpret_cast<const unsigned char*>(zone->faceCells), 0,
+                      static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1, 2);
     }
     return true;
 }

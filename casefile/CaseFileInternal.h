@@ -59,6 +59,13 @@ extern std::atomic<int64_t> gFaceZonesMarkedInParallel;
 // Faces a thread takes at a time from a shared zone; a rest of fewer than
 // twice this many is not split. Tests lower it to share small zones out.
 extern int64_t gSharedFacesPerTake;
+// Face zone bodies of at least this many bytes whose nodes a first scan marks
+// without keeping the faces are read from a mapping of the case file, where
+// the system gives one; smaller ones, and every body where it does not,
+// through a buffer. Tests set it to 0 or INT64_MAX to reach either way.
+extern int64_t gMappedBodyMinBytes;
+// Face zone bodies read from a mapping, since the process began.
+extern std::atomic<int64_t> gFaceBodiesMapped;
 
 // The faces of a zone shared out between two threads. Each starts with one
 // half and reads its range forwards; one that has run out takes the upper

@@ -37,6 +37,30 @@ struct Numbering {
 
 class NodeCountTest : public CaseFileTest {
   protected:
+    void SetUp() override {
+        CaseFileTest::SetUp();
+        savedMapMin_ = gMappedBodyMinBytes;
+    }
+    void TearDown() override {
+        gMappedBodyMinBytes = savedMapMin_;
+        CaseFileTest::TearDown();
+    }
+
+    // Runs `read` once with every body read through buffers and once with
+    // every body mapped from the file where the system maps it, and adds the
+    // bodies mapped to mappedBodies_. Returns both outcomes, buffered first.
+    template <typename Outcome, typename Read>
+    std::pair<Outcome, Outcome> bufferedAndMapped(Read read) {
+        gMappedBodyMinBytes = INT64_MAX;
+        Outcome buffered = read();
+        gMappedBodyMinBytes = 0;
+        const int64_t before = gFaceBodiesMapped.load();
+        Outcome mapped = read();
+        mappedBodies_ += gFaceBodiesMapped.load() - before;
+        gMappedBodyMinBytes = savedMapMin_;
+        return {std::move(buffered), std::move(mapped)};
+    }
+
     std::string write(const fluentgen::Spec& spec, const std::string& name = "count.cas") {
         const std::string path = (folder_ / name).string();
         fluentgen::writeCaseFile(spec, path);
@@ -85,9 +109,16 @@ class NodeCountTest : public CaseFileTest {
 
     // Both ways on one file: the same counts, result and messages, and the
     // count leaves no numbering. Returns the count's outcome.
+    // The scan's way runs with the bodies read through buffers and mapped
+    // from the file, with the same outcome.
     Numbering compare(const std::string& path) {
         const Numbering loading = number(path, false);
-        const Numbering streaming = number(path, true);
+        const auto [buffered, streaming] = bufferedAndMapped<Numbering>([&] { return number(path, true); });
+        EXPECT_EQ(streaming.ok, buffered.ok);
+        EXPECT_EQ(streaming.messages, buffered.messages);
+        EXPECT_EQ(streaming.counts, buffered.counts);
+        EXPECT_EQ(streaming.elementTypes, buffered.elementTypes);
+        EXPECT_EQ(streaming.facesInMemory, buffered.facesInMemory);
         EXPECT_EQ(streaming.ok, loading.ok);
         EXPECT_EQ(streaming.messages, loading.messages);
         EXPECT_EQ(streaming.elementTypes, loading.elementTypes);
@@ -109,6 +140,11 @@ class NodeCountTest : public CaseFileTest {
         ASSERT_EQ(streaming.counts.size(), 1u);
         EXPECT_EQ(streaming.counts[0], nodes);
     }
+
+    int64_t mappedBodies_ = 0;  // bodies the mapped runs of bufferedAndMapped mapped
+
+  private:
+    int64_t savedMapMin_ = 0;
 };
 
 fluentgen::Spec box(MeshKind kind, fluentgen::Encoding encoding = fluentgen::Encoding::BinaryDouble) {
@@ -134,6 +170,8 @@ TEST_F(NodeCountTest, EveryKindOfMeshIsNumberedAsByLoadingWithoutKeepingFaces) {
         }
         EXPECT_EQ(streaming.facesInMemory, streaming.mixedZones);
     }
+    // The zones of one face type were also read from mappings of the file.
+    EXPECT_GT(mappedBodies_, 0);
 }
 
 TEST_F(NodeCountTest, OtherByteOrderAndTwoCellZonesAreReadWithoutKeepingFaces) {
@@ -142,6 +180,7 @@ TEST_F(NodeCountTest, OtherByteOrderAndTwoCellZonesAreReadWithoutKeepingFaces) {
     Numbering streaming = compare(write(big));
     EXPECT_TRUE(streaming.ok);
     EXPECT_EQ(streaming.facesInMemory, 0);
+    EXPECT_GT(mappedBodies_, 0);  // swapped after being taken from the mapping
 
     fluentgen::Spec two = box(MeshKind::Hex);
     two.cells = {6, 3, 3};
@@ -458,6 +497,7 @@ TEST_F(NodeCountThreadTest, TwoThreadsCountAsTheLoadingNumbering) {
         ASSERT_EQ(streaming.counts.size(), 1u);
         EXPECT_EQ(streaming.counts[0], nodes);
     }
+    EXPECT_GT(mappedBodies_, 0);
 }
 
 TEST_F(NodeCountThreadTest, TwoCellZonesEachCountTheirOwnNodes) {
@@ -651,7 +691,14 @@ class BoundaryNumberingTest : public NodeCountTest {
     ZoneNumbering compareZone(const std::string& path, int32_t zoneId,
                               const std::function<void()>& afterScan = nullptr) {
         const ZoneNumbering loading = numberZone(path, zoneId, false, afterScan);
-        const ZoneNumbering streaming = numberZone(path, zoneId, true, afterScan);
+        const auto [buffered, streaming] =
+            bufferedAndMapped<ZoneNumbering>([&] { return numberZone(path, zoneId, true, afterScan); });
+        EXPECT_EQ(streaming.ok, buffered.ok);
+        EXPECT_EQ(streaming.messages, buffered.messages);
+        EXPECT_EQ(streaming.zoneNodes, buffered.zoneNodes);
+        EXPECT_EQ(streaming.facesInMemory, buffered.facesInMemory);
+        EXPECT_EQ(streaming.sideZero.lowest, buffered.sideZero.lowest);
+        EXPECT_EQ(streaming.sideZero.highest, buffered.sideZero.highest);
         EXPECT_TRUE(streaming.scanned);
         EXPECT_EQ(streaming.ok, loading.ok);
         EXPECT_EQ(streaming.messages, loading.messages);
@@ -690,6 +737,7 @@ TEST_F(BoundaryNumberingTest, EveryZoneOfEveryKindOfMeshIsNumberedAsByLoading) {
             const std::vector<int32_t> ids = faceZoneIds(path);
             ASSERT_GE(ids.size(), 4u);
             int streamed = 0;
+            const int64_t mappedBefore = mappedBodies_;
             for (int32_t id : ids) {
                 SCOPED_TRACE(id);
                 const ZoneNumbering streaming = compareZone(path, id);
@@ -699,6 +747,8 @@ TEST_F(BoundaryNumberingTest, EveryZoneOfEveryKindOfMeshIsNumberedAsByLoading) {
                 EXPECT_LE(streaming.sideZero.lowest, streaming.sideZero.highest);
                 streamed += streaming.facesInMemory ? 0 : 1;
             }
+            // Every zone read without being kept was read from a mapping too.
+            EXPECT_EQ(mappedBodies_ - mappedBefore, streamed);
             // Zones of one face type are read without being kept; mixed ones are loaded.
             if (kind == MeshKind::Hex || kind == MeshKind::Tet || kind == MeshKind::Quad ||
                 kind == MeshKind::Tri) {
