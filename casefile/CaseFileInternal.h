@@ -59,10 +59,12 @@ extern std::atomic<int64_t> gFaceZonesMarkedInParallel;
 // Faces a thread takes at a time from a shared zone; a rest of fewer than
 // twice this many is not split. Tests lower it to share small zones out.
 extern int64_t gSharedFacesPerTake;
-// Face zone bodies of at least this many bytes whose nodes a first scan marks
-// without keeping the faces are read from a mapping of the case file, where
-// the system gives one; smaller ones, and every body where it does not,
-// through a buffer. Tests set it to 0 or INT64_MAX to reach either way.
+// Binary face zone bodies of one node count and at least this many bytes are
+// read from a mapping of the case file, where the system gives one, both when
+// a first scan marks their nodes without keeping the faces and when they are
+// loaded (in this machine's byte order); smaller ones, and every body where
+// the system gives no mapping, through buffers. Tests set it to 0 or
+// INT64_MAX to reach either way.
 extern int64_t gMappedBodyMinBytes;
 // Face zone bodies read from a mapping, since the process began.
 extern std::atomic<int64_t> gFaceBodiesMapped;

@@ -18,6 +18,7 @@
 
 #include "casefile/CaseFileInternal.h"
 #include "support/BulkMemory.h"
+#include "support/MappedRange.h"
 
 bool zoneMakeMinMaxWriters(zorvane::dataio::DeferredMinMaxWriter*** writers, int32_t numDimensions,
                            zorvane::dataio::DeferredMinMaxWriterFactory* factory);
@@ -197,15 +198,18 @@ static inline int32_t byteSwap32(int32_t value) {
     return static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(value)));
 }
 
-// Copies up to `faces` whole faces of a fixed node count from `p` (each the
-// node numbers, then the two cells) into the zone's arrays from face `first`
-// on. Stops at the first face with a node number below 1, which the
-// face-by-face reader must report; answers how many faces were copied.
+// Copies up to `faces` whole faces of a fixed node count from `bytes` (each
+// the node numbers, then the two cells, as 4-byte integers of this machine's
+// order, aligned or not) into the zone's arrays from face `first` on. Stops
+// at the first face with a node number below 1, which the face-by-face
+// reader must report; answers how many faces were copied.
 template <int Nodes>
-static int64_t copyFixedFaces(const int32_t* p, int64_t faces, FaceZone* zone, int64_t first) {
+static int64_t copyFixedFaces(const unsigned char* bytes, int64_t faces, FaceZone* zone, int64_t first) {
     int32_t* nodesOut = zone->faceNodes + first * Nodes;
     int32_t* cellsOut = zone->faceCells + 2 * first;
-    for (int64_t f = 0; f < faces; ++f, p += Nodes + 2) {
+    for (int64_t f = 0; f < faces; ++f, bytes += 4 * (Nodes + 2)) {
+        int32_t p[Nodes + 2];
+        memcpy(p, bytes, sizeof p);
         int32_t smallest = p[0];
         for (int k = 1; k < Nodes; ++k)
             smallest = p[k] < smallest ? p[k] : smallest;
@@ -219,8 +223,41 @@ static int64_t copyFixedFaces(const int32_t* p, int64_t faces, FaceZone* zone, i
     return faces;
 }
 
-// The fast path for binary bodies of 4-byte integers: the body is read in
-// large blocks and taken apart in memory. It stops at the first face that
+static int64_t copyFixedFaces(int32_t faceType, const unsigned char* bytes, int64_t faces, FaceZone* zone,
+                              int64_t first) {
+    switch (faceType) {
+        case 2:
+            return copyFixedFaces<2>(bytes, faces, zone, first);
+        case 3:
+            return copyFixedFaces<3>(bytes, faces, zone, first);
+        default:
+            return copyFixedFaces<4>(bytes, faces, zone, first);
+    }
+}
+
+// The faces of a zone of one node count, in this machine's byte order, taken
+// straight from a mapping of the body where it is gMappedBodyMinBytes or
+// larger and the system maps it: answers the faces copied, as
+// readFacesInBlocks does (-1 where the stream cannot be set behind them), or
+// -2 when the body was not mapped and must be read through the stream.
+static int64_t copyMappedFaces(FaceZone* zone, FILE* stream) {
+    const int64_t count = faceZoneCount(zone);
+    const int64_t width = zone->faceType + 2;
+    MappedRange body;
+    if (count * width * 4 < gMappedBodyMinBytes || !body.map(stream, zone->filePosition, count * width * 4)) {
+        return -2;
+    }
+    gFaceBodiesMapped.fetch_add(1, std::memory_order_relaxed);
+    const int64_t copied = copyFixedFaces(zone->faceType, body.bytes(), count, zone, 0);
+    if (fseeko(stream, static_cast<off_t>(zone->filePosition + copied * width * 4), SEEK_SET) != 0) {
+        return -1;
+    }
+    return copied;
+}
+
+// The fast path for binary bodies of 4-byte integers: the body is taken
+// from a mapping of the file (one node count, this machine's byte order) or
+// read in large blocks, and taken apart in memory. It stops at the first face that
 // needs attention (a short read, a polygon, a bad node number) and answers
 // the index of that face, with the stream set back to its first byte, so
 // that the face-by-face reader takes over from there and says what is wrong.
@@ -231,6 +268,12 @@ static int64_t readFacesInBlocks(CaseFile* caseFile, FaceZone* zone, FILE* strea
     const bool mixed = zone->faceType == 0;
     const bool swap = caseFile->machineConfig.byteOrder != hostByteOrder;
     const int64_t start = zone->filePosition;
+    if (!mixed && zone->faceType >= 2 && !swap) {
+        const int64_t copied = copyMappedFaces(zone, stream);
+        if (copied != -2) {
+            return copied;
+        }
+    }
     const size_t blockInts = 1 << 16;
     std::vector<int32_t> block(blockInts);
     size_t have = 0;       // integers in block
@@ -260,18 +303,8 @@ static int64_t readFacesInBlocks(CaseFile* caseFile, FaceZone* zone, FILE* strea
             const size_t width = static_cast<size_t>(zone->faceType) + 2;
             const int64_t whole = std::min<int64_t>(static_cast<int64_t>(available / width), count - i);
             if (whole > 0) {
-                int64_t copied = 0;
-                switch (zone->faceType) {
-                    case 2:
-                        copied = copyFixedFaces<2>(p, whole, zone, i);
-                        break;
-                    case 3:
-                        copied = copyFixedFaces<3>(p, whole, zone, i);
-                        break;
-                    default:
-                        copied = copyFixedFaces<4>(p, whole, zone, i);
-                        break;
-                }
+                const int64_t copied =
+                    copyFixedFaces(zone->faceType, reinterpret_cast<const unsigned char*>(p), whole, zone, i);
                 used += static_cast<size_t>(copied) * width;
                 consumed += copied * static_cast<int64_t>(width);
                 i += copied;

@@ -4,15 +4,31 @@
 #include <random>
 
 #include "CaseFileTestSupport.h"
+#include "casefile/CaseFileInternal.h"
 
 namespace casefile_test {
 namespace {
 
 class FacesTest : public CaseFileTest {
   protected:
+    void SetUp() override {
+        CaseFileTest::SetUp();
+        savedMapMin_ = gMappedBodyMinBytes;
+    }
+    void TearDown() override {
+        gMappedBodyMinBytes = savedMapMin_;
+        CaseFileTest::TearDown();
+    }
+    // Large binary bodies of one node count are taken from a mapping of the
+    // file, or read through a buffer: `mapped` chooses for every size.
+    static void readBodies(bool mapped) { gMappedBodyMinBytes = mapped ? 0 : INT64_MAX; }
+
     static std::vector<int32_t> array(const int32_t* data, size_t n) {
         return std::vector<int32_t>(data, data + n);
     }
+
+  private:
+    int64_t savedMapMin_ = 0;
 };
 
 TEST_F(FacesTest, MixedZoneOfTrianglesAndQuadrilaterals) {
@@ -222,11 +238,14 @@ GeneratedZone generateFaces(int32_t count, int32_t faceType, unsigned seed, Case
     return zone;
 }
 
-class BinaryFacesTest : public FacesTest, public ::testing::WithParamInterface<std::tuple<int, bool>> {};
+class BinaryFacesTest : public FacesTest,
+                        public ::testing::WithParamInterface<std::tuple<int, bool, bool>> {};
 
 TEST_P(BinaryFacesTest, LargeBodyReadsExactly) {
     const int32_t faceType = std::get<0>(GetParam());
     const bool bigEndian = std::get<1>(GetParam());
+    const bool mapped = std::get<2>(GetParam());
+    readBodies(mapped);
     CaseBytes file;
     file.bigEndian(bigEndian);
     file.text("(2 3)\n").text(bigEndian ? kMachineConfigBigEndian : kMachineConfig);
@@ -238,8 +257,11 @@ TEST_P(BinaryFacesTest, LargeBodyReadsExactly) {
     ASSERT_TRUE(ok);
     ASSERT_EQ(caseFile->numCellZones, 1);  // the section behind was found
     FaceZone* zone = &caseFile->faceZones[0];
+    const int64_t mappedBefore = gFaceBodiesMapped.load();
     ASSERT_TRUE(CaseFileLoadFaceZone(caseFile, zone));
     EXPECT_TRUE(messageTexts().empty());
+    // Mixed bodies and those of the other byte order are always read through the buffer.
+    EXPECT_EQ(gFaceBodiesMapped.load() - mappedBefore, mapped && faceType != 0 && !bigEndian ? 1 : 0);
     int32_t stride = faceType == 0 ? 4 : faceType;
     EXPECT_EQ(array(zone->faceNodes, static_cast<size_t>(count) * stride), expected.nodes);
     EXPECT_EQ(array(zone->faceCells, 2 * static_cast<size_t>(count)), expected.cells);
@@ -249,22 +271,34 @@ TEST_P(BinaryFacesTest, LargeBodyReadsExactly) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Encodings, BinaryFacesTest,
-                         ::testing::Combine(::testing::Values(0, 2, 3, 4), ::testing::Bool()));
+                         ::testing::Combine(::testing::Values(0, 2, 3, 4), ::testing::Bool(),
+                                            ::testing::Bool()));
 
 TEST_F(FacesTest, BinaryBadNodeNumberFarIntoTheBody) {
-    CaseBytes file;
-    file.text("(2 3)\n").text(kMachineConfig);
-    file.text("(2013 (7 1 9c40 2 3)\n(");
-    for (int32_t i = 1; i <= 40000; ++i) {
-        file.i32s({1, 2, i == 39999 ? 0 : 3, 1, 0});
+    // Far into the body, and in the first and the last face, read both ways.
+    for (bool mapped : {false, true}) {
+        for (int32_t bad : {1, 39999, 40000}) {
+            SCOPED_TRACE(std::to_string(mapped) + " " + std::to_string(bad));
+            readBodies(mapped);
+            CaseBytes file;
+            file.text("(2 3)\n").text(kMachineConfig);
+            file.text("(2013 (7 1 9c40 2 3)\n(");
+            for (int32_t i = 1; i <= 40000; ++i) {
+                file.i32s({1, 2, i == bad ? 0 : 3, 1, 0});
+            }
+            file.endBinary(2013);
+            bool ok = false;
+            CaseFile* caseFile = scanBytes(file.bytes(), &ok);
+            ASSERT_TRUE(ok);
+            const int64_t mappedBefore = gFaceBodiesMapped.load();
+            EXPECT_FALSE(CaseFileLoadFaceZone(caseFile, &caseFile->faceZones[0]));
+            EXPECT_EQ(gFaceBodiesMapped.load() - mappedBefore, mapped ? 1 : 0);
+            EXPECT_EQ(messageTexts(),
+                      std::vector<std::string>{"Bad node number 0 for node 3 of face #" +
+                                               std::to_string(bad) + " in Faces section (Section 2013)."});
+            minihost::resetRecords();
+        }
     }
-    file.endBinary(2013);
-    bool ok = false;
-    CaseFile* caseFile = scanBytes(file.bytes(), &ok);
-    ASSERT_TRUE(ok);
-    EXPECT_FALSE(CaseFileLoadFaceZone(caseFile, &caseFile->faceZones[0]));
-    EXPECT_EQ(messageTexts(),
-              texts({"Bad node number 0 for node 3 of face #39999 in Faces section (Section 2013)."}));
 }
 
 TEST_F(FacesTest, BinaryBodyCutShort) {
@@ -274,12 +308,38 @@ TEST_F(FacesTest, BinaryBodyCutShort) {
     bool ok = false;
     CaseFile* caseFile = scanBytes(file.bytes(), &ok);
     ASSERT_TRUE(ok);
-    // Cut in the middle of face 20001.
+    // Cut in the middle of face 20001. The file cannot give the whole body,
+    // so it is not mapped, however large: the buffer comes short.
     std::filesystem::resize_file(caseFile->fileName, caseFile->faceZones[0].filePosition + 20000 * 24 + 10);
+    readBodies(true);
+    const int64_t mappedBefore = gFaceBodiesMapped.load();
     EXPECT_FALSE(CaseFileLoadFaceZone(caseFile, &caseFile->faceZones[0]));
+    EXPECT_EQ(gFaceBodiesMapped.load(), mappedBefore);
     EXPECT_EQ(messageTexts(), texts({"Read error while reading Faces section (section 2013)."}));
     // The faces ahead of the cut were read.
     EXPECT_EQ(caseFile->faceZones[0].faceCells[2 * 19999], expected.cells[2 * 19999]);
+}
+
+TEST_F(FacesTest, BinaryBodyEndingTheFileLacksItsEndMarker) {
+    // Every face is there and the body is mapped; what follows it is not.
+    for (bool mapped : {false, true}) {
+        SCOPED_TRACE(mapped);
+        readBodies(mapped);
+        CaseBytes file;
+        file.text("(2 3)\n").text(kMachineConfig);
+        GeneratedZone expected = generateFaces(3000, 3, 9, &file, 2013);
+        bool ok = false;
+        CaseFile* caseFile = scanBytes(file.bytes(), &ok);
+        ASSERT_TRUE(ok);
+        FaceZone* zone = &caseFile->faceZones[0];
+        std::filesystem::resize_file(caseFile->fileName, zone->filePosition + 3000 * 20);
+        const int64_t mappedBefore = gFaceBodiesMapped.load();
+        EXPECT_FALSE(CaseFileLoadFaceZone(caseFile, zone));
+        EXPECT_EQ(gFaceBodiesMapped.load() - mappedBefore, mapped ? 1 : 0);
+        EXPECT_EQ(messageTexts(), texts({"End-of-file while skipping section 2013."}));
+        EXPECT_EQ(array(zone->faceCells, 2 * 3000), expected.cells);
+        minihost::resetRecords();
+    }
 }
 
 TEST_F(FacesTest, BinaryMixedBodyCutAtAFaceBoundary) {
