@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "casefile/CaseFile.h"
+#include "casefile/CaseFileInternal.h"
 #include "minihost/MiniHost.h"
 
 namespace casefile_test {
@@ -101,6 +102,7 @@ class CaseFileTest : public ::testing::Test {
   protected:
     void SetUp() override {
         minihost::resetRecords();
+        savedMappedBodyMinBytes_ = gMappedBodyMinBytes;
         std::string pattern = (std::filesystem::temp_directory_path() / "casefile-test-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         folder_ = pattern;
@@ -114,7 +116,14 @@ class CaseFileTest : public ::testing::Test {
         std::error_code ignored;
         std::filesystem::remove_all(folder_, ignored);
         minihost::resetRecords();
+        gMappedBodyMinBytes = savedMappedBodyMinBytes_;
     }
+
+    // Large binary face bodies are taken from a mapping of the file, or read
+    // through a buffer: `mapped` chooses for bodies of every size, until
+    // defaultBodyReads() or the end of the test.
+    static void readBodies(bool mapped) { gMappedBodyMinBytes = mapped ? 0 : INT64_MAX; }
+    void defaultBodyReads() const { gMappedBodyMinBytes = savedMappedBodyMinBytes_; }
 
     // Writes the bytes to a file of the scratch folder; its full name.
     std::string writeFile(const std::string& name, const std::string& bytes) {
@@ -155,6 +164,9 @@ class CaseFileTest : public ::testing::Test {
 
     std::filesystem::path folder_;
     std::vector<CaseFile*> caseFiles_;
+
+  private:
+    int64_t savedMappedBodyMinBytes_ = 0;  // the setting before the test
 };
 
 // A Retain/Release bracket under the case mutex, as a load-on-demand callback holds it.

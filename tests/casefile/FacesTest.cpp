@@ -4,31 +4,15 @@
 #include <random>
 
 #include "CaseFileTestSupport.h"
-#include "casefile/CaseFileInternal.h"
 
 namespace casefile_test {
 namespace {
 
 class FacesTest : public CaseFileTest {
   protected:
-    void SetUp() override {
-        CaseFileTest::SetUp();
-        savedMapMin_ = gMappedBodyMinBytes;
-    }
-    void TearDown() override {
-        gMappedBodyMinBytes = savedMapMin_;
-        CaseFileTest::TearDown();
-    }
-    // Large binary bodies of one node count are taken from a mapping of the
-    // file, or read through a buffer: `mapped` chooses for every size.
-    static void readBodies(bool mapped) { gMappedBodyMinBytes = mapped ? 0 : INT64_MAX; }
-
     static std::vector<int32_t> array(const int32_t* data, size_t n) {
         return std::vector<int32_t>(data, data + n);
     }
-
-  private:
-    int64_t savedMapMin_ = 0;
 };
 
 TEST_F(FacesTest, MixedZoneOfTrianglesAndQuadrilaterals) {
@@ -238,6 +222,15 @@ GeneratedZone generateFaces(int32_t count, int32_t faceType, unsigned seed, Case
     return zone;
 }
 
+// The bytes of a little-endian case of one binary face zone (section 2013)
+// of `count` faces of `faceType`; what the zone holds in *expected.
+std::string binaryZoneCase(int32_t count, int32_t faceType, unsigned seed, GeneratedZone* expected) {
+    CaseBytes file;
+    file.text("(2 3)\n").text(kMachineConfig);
+    *expected = generateFaces(count, faceType, seed, &file, 2013);
+    return file.bytes();
+}
+
 class BinaryFacesTest : public FacesTest,
                         public ::testing::WithParamInterface<std::tuple<int, bool, bool>> {};
 
@@ -302,11 +295,9 @@ TEST_F(FacesTest, BinaryBadNodeNumberFarIntoTheBody) {
 }
 
 TEST_F(FacesTest, BinaryBodyCutShort) {
-    CaseBytes file;
-    file.text("(2 3)\n").text(kMachineConfig);
-    GeneratedZone expected = generateFaces(30000, 4, 5, &file, 2013);
+    GeneratedZone expected;
     bool ok = false;
-    CaseFile* caseFile = scanBytes(file.bytes(), &ok);
+    CaseFile* caseFile = scanBytes(binaryZoneCase(30000, 4, 5, &expected), &ok);
     ASSERT_TRUE(ok);
     // Cut in the middle of face 20001. The file cannot give the whole body,
     // so it is not mapped, however large: the buffer comes short.
@@ -325,11 +316,9 @@ TEST_F(FacesTest, BinaryBodyEndingTheFileLacksItsEndMarker) {
     for (bool mapped : {false, true}) {
         SCOPED_TRACE(mapped);
         readBodies(mapped);
-        CaseBytes file;
-        file.text("(2 3)\n").text(kMachineConfig);
-        GeneratedZone expected = generateFaces(3000, 3, 9, &file, 2013);
+        GeneratedZone expected;
         bool ok = false;
-        CaseFile* caseFile = scanBytes(file.bytes(), &ok);
+        CaseFile* caseFile = scanBytes(binaryZoneCase(3000, 3, 9, &expected), &ok);
         ASSERT_TRUE(ok);
         FaceZone* zone = &caseFile->faceZones[0];
         std::filesystem::resize_file(caseFile->fileName, zone->filePosition + 3000 * 20);

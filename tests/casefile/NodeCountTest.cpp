@@ -37,27 +37,18 @@ struct Numbering {
 
 class NodeCountTest : public CaseFileTest {
   protected:
-    void SetUp() override {
-        CaseFileTest::SetUp();
-        savedMapMin_ = gMappedBodyMinBytes;
-    }
-    void TearDown() override {
-        gMappedBodyMinBytes = savedMapMin_;
-        CaseFileTest::TearDown();
-    }
-
     // Runs `read` once with every body read through buffers and once with
     // every body mapped from the file where the system maps it, and adds the
     // bodies mapped to mappedBodies_. Returns both outcomes, buffered first.
     template <typename Outcome, typename Read>
     std::pair<Outcome, Outcome> bufferedAndMapped(Read read) {
-        gMappedBodyMinBytes = INT64_MAX;
+        readBodies(false);
         Outcome buffered = read();
-        gMappedBodyMinBytes = 0;
+        readBodies(true);
         const int64_t before = gFaceBodiesMapped.load();
         Outcome mapped = read();
         mappedBodies_ += gFaceBodiesMapped.load() - before;
-        gMappedBodyMinBytes = savedMapMin_;
+        defaultBodyReads();
         return {std::move(buffered), std::move(mapped)};
     }
 
@@ -142,9 +133,6 @@ class NodeCountTest : public CaseFileTest {
     }
 
     int64_t mappedBodies_ = 0;  // bodies the mapped runs of bufferedAndMapped mapped
-
-  private:
-    int64_t savedMapMin_ = 0;
 };
 
 fluentgen::Spec box(MeshKind kind, fluentgen::Encoding encoding = fluentgen::Encoding::BinaryDouble) {
