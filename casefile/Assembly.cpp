@@ -538,16 +538,15 @@ static void widenSideZero(CellRange* range, const unsigned char* rows, int64_t p
 // bits, which one thread sets.
 template <typename Mark>
 struct FaceMarking {
-    const CaseFile* caseFile;  // the case: file name and byte order
-    const FaceZone* faceZone;  // the zone read: body position, face range and type
-    int32_t first;             // first cell whose faces count (on either side); INT32_MIN for every face
-    int32_t last;              // last cell whose faces count; INT32_MAX for every face
-    Mark* marks;               // one per case node, set for the nodes of faces that count
-    int32_t totalNodes;        // marks that are nodes
-    CellRange* sideZero;       // widened by the non-zero cells on side 0 of every face; NULL when not wanted
-    std::atomic<bool>* stop;   // set when the other thread failed; its result no longer matters
-    const unsigned char*
-        body;  // the zone's body mapped from the file, face 0 first; NULL = read through streams
+    const CaseFile* caseFile;   // the case: file name and byte order
+    const FaceZone* faceZone;   // the zone read: body position, face range and type
+    int32_t first;              // first cell whose faces count (on either side); INT32_MIN for every face
+    int32_t last;               // last cell whose faces count; INT32_MAX for every face
+    Mark* marks;                // one per case node, set for the nodes of faces that count
+    int32_t totalNodes;         // marks that are nodes
+    CellRange* sideZero;        // widened by the non-zero cells on side 0 of every face; NULL when not wanted
+    std::atomic<bool>* stop;    // set when the other thread failed; its result no longer matters
+    const unsigned char* body;  // the zone's body mapped, face 0 first; NULL = read through streams
 };
 
 // Rows read at a time while marking: at most four nodes and two cells each.
@@ -761,18 +760,15 @@ static bool markStreamedZone(FaceMarking<Mark> job, FILE* stream, const FaceRows
     std::atomic<bool> stop{false};
     job.stop = &stop;
     bool read = false;
-    bool moved = false;  // whether the stream was left somewhere else
     if constexpr (std::is_same<Mark, uint8_t>::value) {
-        if (count >= gParallelMarkMinFaces && count >= 2) {
-            read = markZoneInTwoThreads(job, stream, buffer, count);
-            moved = true;
-        }
-    }
-    if (!moved) {
+        read = count >= gParallelMarkMinFaces && count >= 2
+                   ? markZoneInTwoThreads(job, stream, buffer, count)
+                   : markStreamedFaceRange(job, stream, 0, count, buffer);
+    } else {
         read = markStreamedFaceRange(job, stream, 0, count, buffer);
-        moved = job.body != nullptr;
     }
-    return read && (!moved || fseeko(stream, streamedFacePlace(job.faceZone, count), SEEK_SET) == 0);
+    // Two threads, or a mapping, leave the stream elsewhere.
+    return read && fseeko(stream, streamedFacePlace(job.faceZone, count), SEEK_SET) == 0;
 }
 
 // Marks the nodes of the faces of a face zone that is not in memory that
