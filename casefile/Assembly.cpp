@@ -793,16 +793,10 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     if (stream == nullptr) {
         return false;
     }
-    const int64_t count = static_cast<int64_t>(faceZone->lastIndex) - faceZone->firstIndex + 1;
-    const int64_t bodyBytes = count * (faceZone->faceType + 2) * 4;
+    // Where the file is shorter than the body, it is not mapped, and the
+    // reads through the stream come short, as the load's do.
     MappedRange body;
-    if (bodyBytes >= gMappedBodyMinBytes) {
-        // Where the file is shorter than the body, the reads through the
-        // stream come short, as the load's do.
-        if (body.map(stream, streamedFacePlace(faceZone, 0), bodyBytes)) {
-            gFaceBodiesMapped.fetch_add(1, std::memory_order_relaxed);
-        }
-    }
+    (void)mapFaceZoneBody(stream, faceZone, &body);
     const FaceMarking<Mark> job{caseFile,   faceZone, first,   last,        marks,
                                 totalNodes, sideZero, nullptr, body.bytes()};
     const bool read = fseeko(stream, streamedFacePlace(faceZone, 0), SEEK_SET) == 0 &&
@@ -816,6 +810,16 @@ static bool markFaceZoneWithoutLoading(CaseFile* caseFile, const FaceZone* faceZ
     fclose(stream);
     *failed = !closed;
     return closed;
+}
+
+bool mapFaceZoneBody(FILE* stream, const FaceZone* zone, MappedRange* body) {
+    const int64_t count = static_cast<int64_t>(zone->lastIndex) - zone->firstIndex + 1;
+    const int64_t bytes = count * (zone->faceType + 2) * 4;
+    if (bytes < gMappedBodyMinBytes || !body->map(stream, streamedFacePlace(zone, 0), bytes)) {
+        return false;
+    }
+    gFaceBodiesMapped.fetch_add(1, std::memory_order_relaxed);
+    return true;
 }
 
 // ---- Faces in memory -----------------------------------------------------------------------------

@@ -69,6 +69,13 @@ extern int64_t gMappedBodyMinBytes;
 // Face zone bodies read from a mapping, since the process began.
 extern std::atomic<int64_t> gFaceBodiesMapped;
 
+class MappedRange;
+// Maps the binary body of a face zone of one node count (2, 3 or 4) from the
+// case file open as `stream` into *body, when it is gMappedBodyMinBytes or
+// larger and the system maps it (counted in gFaceBodiesMapped); false, with
+// nothing mapped, when the body is to be read through the stream.
+bool mapFaceZoneBody(FILE* stream, const FaceZone* zone, MappedRange* body);
+
 // The faces of a zone shared out between two threads. Each starts with one
 // half and reads its range forwards; one that has run out takes the upper
 // half of what the other has not yet taken, so both finish together however

@@ -244,10 +244,9 @@ static int64_t copyMappedFaces(FaceZone* zone, FILE* stream) {
     const int64_t count = faceZoneCount(zone);
     const int64_t width = zone->faceType + 2;
     MappedRange body;
-    if (count * width * 4 < gMappedBodyMinBytes || !body.map(stream, zone->filePosition, count * width * 4)) {
+    if (!mapFaceZoneBody(stream, zone, &body)) {
         return -2;
     }
-    gFaceBodiesMapped.fetch_add(1, std::memory_order_relaxed);
     const int64_t copied = copyFixedFaces(zone->faceType, body.bytes(), count, zone, 0);
     if (fseeko(stream, static_cast<off_t>(zone->filePosition + copied * width * 4), SEEK_SET) != 0) {
         return -1;
