@@ -109,3 +109,10 @@ inline int32_t faceZoneSlots(const FaceZone* zone) {
     }
     return 0;
 }
+
+// The zero-based place of `node` in the `count` ascending numbers of
+// `sorted`, or -1 when it is not there: the answer of a binary search of the
+// whole array, found by searching outwards from *hint (the last place found,
+// updated). The nodes of neighbouring faces lie close together, so most
+// searches end within a few steps.
+int32_t sortedPlaceNear(const int32_t* sorted, int32_t count, int32_t node, int32_t* hint);

@@ -424,6 +424,55 @@ TEST_F(AssemblyTest, BoundaryZoneNumbersItsNodesInAscendingOrder) {
     EXPECT_EQ(rows32, (std::vector<int32_t>{2, 5, 4, 3, 1, 3, 4, 4, 0, 2, 3, 1}));
 }
 
+// The search a boundary zone's rows take gives the answer of a binary search
+// of the whole array, whatever place it starts from: arrays with gaps and
+// without, every number in and around them, every hint from below the array
+// to beyond it, and queries in order, reversed and scattered with the hint
+// carried from one to the next.
+TEST(SortedPlaceNearTest, AgreesWithABinarySearchOfTheWholeArray) {
+    const auto reference = [](const std::vector<int32_t>& sorted, int32_t node) {
+        auto found = std::lower_bound(sorted.begin(), sorted.end(), node);
+        return found == sorted.end() || *found != node ? -1 : static_cast<int32_t>(found - sorted.begin());
+    };
+    std::vector<std::vector<int32_t>> arrays = {{}, {5}, {1, 2}, {3, 9, 10, 40}};
+    std::vector<int32_t> gaps;
+    std::vector<int32_t> dense;
+    for (int32_t k = 0; k < 300; ++k) {
+        gaps.push_back(1 + 3 * k + (k * k) % 7);  // ascending, uneven gaps
+        dense.push_back(1000 + k);
+    }
+    arrays.push_back(gaps);
+    arrays.push_back(dense);
+    int64_t checked = 0;
+    for (const std::vector<int32_t>& sorted : arrays) {
+        const int32_t count = static_cast<int32_t>(sorted.size());
+        const int32_t low = sorted.empty() ? 0 : sorted.front() - 3;
+        const int32_t high = sorted.empty() ? 5 : sorted.back() + 3;
+        for (int32_t hint = -2; hint <= count + 2; ++hint) {
+            for (int32_t node = low; node <= high; ++node) {
+                int32_t h = hint;
+                const int32_t expected = reference(sorted, node);
+                ASSERT_EQ(sortedPlaceNear(sorted.data(), count, node, &h), expected)
+                    << "node " << node << " hint " << hint << " of " << count;
+                // A hit moves the hint there; a miss leaves it.
+                EXPECT_EQ(h, expected >= 0 ? expected : hint);
+                ++checked;
+            }
+        }
+        int32_t carried = 0;
+        for (int32_t step = 0; step < 3 * (high - low + 1); ++step) {
+            const int32_t span = high - low + 1;
+            const int32_t node = step < span       ? low + step
+                                 : step < 2 * span ? high - (step - span)
+                                                   : low + (step * 7919) % span;
+            ASSERT_EQ(sortedPlaceNear(sorted.data(), count, node, &carried), reference(sorted, node))
+                << "node " << node << " at step " << step;
+            ++checked;
+        }
+    }
+    EXPECT_GT(checked, 100000);
+}
+
 // Whether every bit of the case's spare numbering block is clear.
 bool spareBitsClear(const CaseFile* caseFile) {
     const uint64_t* block = caseFile->nodeBits;
