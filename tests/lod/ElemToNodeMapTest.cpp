@@ -56,6 +56,16 @@ TEST_F(ElemToNodeMap, BoundaryZoneIsWrittenTheSameIntoWideMaps) {
     EXPECT_EQ(nodeMap(kSquareWall), (std::vector<std::vector<int64_t>>{{1, 2}, {2, 3}}));
 }
 
+TEST_F(ElemToNodeMap, CellZoneIsWrittenTheSameIntoWideMaps) {
+    ASSERT_TRUE(loadCase(write("square.cas", squareCase())));
+    const std::vector<std::vector<int64_t>> narrow = nodeMap(kSquareFluid);
+    ASSERT_EQ(narrow.size(), 2u);
+    dropEverything();
+    minihost::setWideNodeMaps(true);
+    ASSERT_TRUE(loadCase(write("square.cas", squareCase())));
+    EXPECT_EQ(nodeMap(kSquareFluid), narrow);
+}
+
 TEST_F(ElemToNodeMap, FaceWithoutNodesLeavesItsSlotsUnsetAndTheBoundaryLoadFails) {
     // A mixed wall zone whose second face has no nodes (a count of 0).
     std::string text = squareCase();
