@@ -75,6 +75,7 @@ struct ZorFieldDataImpl : minihost::data::LodItem {
     ZorValueSetFunction customSet = nullptr;
     bool hasMinMax = false;  // a range was given or computed
     double minimum = 0.0, maximum = 0.0;
+    std::vector<int64_t> arrayWrites;  // counts of ZorUtilDataValueArraySetByRef since the storage was made
 
     bool callLoad() override { return load(this); }
     bool callUnload() override { return unload(this); }

@@ -13,12 +13,15 @@
 using namespace minihost::data;
 
 void ZorFieldDataImpl::makeStorage() {
-    if (customGet == nullptr && bytes.empty())
+    if (customGet == nullptr && bytes.empty()) {
         bytes = ZeroedVector<unsigned char>(static_cast<size_t>(count) * valueSize(type));
+        arrayWrites.clear();
+    }
 }
 
 void ZorFieldDataImpl::dropStorage() {
     bytes = ZeroedVector<unsigned char>();
+    arrayWrites.clear();
 }
 
 namespace {
@@ -269,6 +272,8 @@ ZorValueSetFunction ZorUtilDataValueGetSetFunction(ZorFieldData) {
 
 void ZorUtilDataValueArraySetByRef(ZorFieldData fieldData, ZorIndex destOffset, ZorIndex count,
                                    const void* values) {
+    if (fieldData != nullptr)
+        fieldData->arrayWrites.push_back(count);
     if (count == 0)
         return;
     checkPoint(fieldData, destOffset, "ZorUtilDataValueArraySetByRef");

@@ -119,6 +119,14 @@ bool valueRange(ZorIndex zone, ZorIndex var, double* minimum, double* maximum) {
     return true;
 }
 
+std::vector<int64_t> valueArrayWrites(ZorIndex zone, ZorIndex var) {
+    std::shared_ptr<LodItem> item = valuesOf(zone, var);
+    if (item == nullptr)
+        return {};
+    std::lock_guard<std::mutex> guard(item->mutex);
+    return static_cast<const ZorFieldDataImpl*>(item.get())->arrayWrites;
+}
+
 ItemStats nodeMapStats(ZorIndex zone) {
     return statsOf(nodeMapOf(zone));
 }

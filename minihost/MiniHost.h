@@ -262,6 +262,10 @@ ItemStats faceNeighborStats(ZorIndex zone);
 // The range the host holds for a variable of a zone (given to it, or computed),
 // without loading the values; false when it holds none or there is no such item.
 bool valueRange(ZorIndex zone, ZorIndex var, double* minimum, double* maximum);
+// The counts of the ZorUtilDataValueArraySetByRef calls on a variable of a
+// zone since its storage was last made, in order (a call with no values
+// too); empty when there is no such item.
+std::vector<int64_t> valueArrayWrites(ZorIndex zone, ZorIndex var);
 // Bytes of storage of all loaded items of the data set.
 size_t loadedBytes();
 
