@@ -6,6 +6,7 @@
 // values; on success keep the use (the next load of the same case finds the
 // arrays in memory), on failure give it back. Unloads and cleanups give the
 // use back.
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +17,7 @@
 #include "host/ZorData.h"
 #include "host/ZorUtil.h"
 #include "lod/ValueClientData.h"
+#include "support/RunningRange.h"
 
 namespace {
 
@@ -23,32 +25,60 @@ namespace {
 constexpr int kBlockSize = 1024;
 
 // Fills a host value array block by block, in the array's own precision, and
-// keeps the range of what it wrote.
+// keeps the range of what it wrote. Every block but the last holds
+// kBlockSize values; the last one (flush) is sent also when it is empty.
 class BlockWriter {
   public:
     explicit BlockWriter(ZorFieldData fieldData)
         : fieldData_(fieldData),
           isDouble_(ZorUtilDataValueGetRefType(fieldData) == ZorFieldDataType_Double) {}
 
-    void put(double value) {
-        if (value < minimum)
-            minimum = value;
-        if (value > maximum)
-            maximum = value;
-        if (isDouble_) {
-            doubles_[filled_++] = value;
-        } else {
-            floats_[filled_++] = static_cast<float>(value);
+    // Writes `count` values that lie one after another. A whole block for a
+    // double array goes to the host from where the values lie: the host
+    // copies it, as it copies the buffer.
+    void putRun(const double* values, int64_t count) {
+        while (count > 0) {
+            if (filled_ == 0 && isDouble_ && count >= kBlockSize) {
+                widenRunningRange(values, kBlockSize, &minimum, &maximum);
+                send(kBlockSize, values);
+                values += kBlockSize;
+                count -= kBlockSize;
+                continue;
+            }
+            const int32_t take = static_cast<int32_t>(std::min<int64_t>(count, kBlockSize - filled_));
+            widenRunningRange(values, take, &minimum, &maximum);
+            if (isDouble_) {
+                std::memcpy(doubles_ + filled_, values, static_cast<size_t>(take) * sizeof(double));
+            } else {
+                narrow(values, take, floats_ + filled_);
+            }
+            filled_ += take;
+            values += take;
+            count -= take;
+            if (filled_ == kBlockSize)
+                flush();
         }
+    }
+    // Room for the values of the next block, which the caller writes there
+    // itself and then hands over with commit(): at most room() of them.
+    double* room() { return doubles_ + filled_; }
+    int32_t roomLeft() const { return kBlockSize - filled_; }
+    void commit(int32_t count) {
+        widenRunningRange(doubles_ + filled_, count, &minimum, &maximum);
+        if (!isDouble_)
+            narrow(doubles_ + filled_, count, floats_ + filled_);
+        filled_ += count;
         if (filled_ == kBlockSize)
             flush();
     }
+    // Writes one value.
+    void put(double value) {
+        *room() = value;
+        commit(1);
+    }
     // Writes what the buffer holds, also when that is nothing.
     void flush() {
-        ZorUtilDataValueArraySetByRef(
-            fieldData_, next_, filled_,
-            isDouble_ ? static_cast<const void*>(doubles_) : static_cast<const void*>(floats_));
-        next_ += filled_;
+        send(filled_, isDouble_ ? static_cast<const void*>(doubles_) : static_cast<const void*>(floats_));
         filled_ = 0;
     }
 
@@ -56,10 +86,19 @@ class BlockWriter {
     double maximum = -1e150;  // largest value written
 
   private:
+    void send(int32_t count, const void* values) {
+        ZorUtilDataValueArraySetByRef(fieldData_, next_, count, values);
+        next_ += count;
+    }
+    static void narrow(const double* values, int32_t count, float* out) {
+        for (int32_t k = 0; k < count; ++k)
+            out[k] = static_cast<float>(values[k]);
+    }
+
     ZorFieldData fieldData_;
     bool isDouble_;
-    ZorIndex next_ = 1;  // host index of the buffer's first value
-    int filled_ = 0;     // values in the buffer
+    ZorIndex next_ = 1;   // host index of the next value sent
+    int32_t filled_ = 0;  // values in the buffer
     float floats_[kBlockSize];
     double doubles_[kBlockSize];
 };
@@ -242,9 +281,19 @@ bool coordVarLoad(ZorFieldData fieldData) {
             const int32_t* zoneToGlobal = cellZone != nullptr ? cellZone->newToOldNodes : faceZone->zoneNodes;
             const int32_t dimension = caseFile->numDimensions;
             const double* positions = caseFile->nodePositions;
-            for (int32_t i = 0; i < numPoints; ++i) {
-                const int64_t node = zoneToGlobal != nullptr ? zoneToGlobal[i] - 1 : i;
-                writer.put(positions[node * dimension + clientData->component]);
+            const double* column = positions + clientData->component;
+            for (int32_t i = 0; i < numPoints;) {
+                const int32_t take = std::min(numPoints - i, writer.roomLeft());
+                double* out = writer.room();
+                if (zoneToGlobal != nullptr) {
+                    for (int32_t k = 0; k < take; ++k)
+                        out[k] = column[(static_cast<int64_t>(zoneToGlobal[i + k]) - 1) * dimension];
+                } else {
+                    for (int32_t k = 0; k < take; ++k)
+                        out[k] = column[static_cast<int64_t>(i + k) * dimension];
+                }
+                writer.commit(take);
+                i += take;
             }
         }
         writer.flush();
@@ -352,10 +401,9 @@ bool fieldVarLoad(ZorFieldData fieldData) {
         const int32_t count = field->count;
         const int32_t dimension = field->dimension;
         const int32_t component = clientData->component;
-        if (isVectorFamilyFieldId(field->fieldId) && dimension >= 2) {
-            const double* values = field->values + static_cast<int64_t>(component) * count;
-            for (int32_t e = 0; e < count; ++e)
-                writer.put(values[e]);
+        if ((dimension == 1 && component == 0) || (isVectorFamilyFieldId(field->fieldId) && dimension >= 2)) {
+            // The component's values lie one after another.
+            writer.putRun(field->values + static_cast<int64_t>(component) * count, count);
         } else {
             for (int32_t e = 0; e < count; ++e)
                 writer.put(field->values[static_cast<int64_t>(e) * dimension + component]);

@@ -90,6 +90,15 @@ std::vector<Generated> generated() {
     zones.spec.nodeSections = 3;
     zones.spec.species = {"o2", "n2"};
     list.push_back(zones);
+    // More values than one block of 1024 that the loader hands the host at a
+    // time: coordinates of 2197 nodes, fields of 1728 cells.
+    for (const auto& e : {std::make_pair("Double", Encoding::BinaryDouble),
+                          std::make_pair("Single", Encoding::BinarySingle)}) {
+        Generated blocks{std::string("HexOfSeveralBlocksBinary") + e.first,
+                         baseSpec(MeshKind::Hex, e.second)};
+        blocks.spec.cells = {12, 12, 12};
+        list.push_back(blocks);
+    }
     Generated extra{"ExtraSectionsGzip", baseSpec(MeshKind::Wedge, Encoding::Ascii)};
     extra.spec.extraSections = true;
     extra.spec.gzip = true;

@@ -275,27 +275,107 @@ TEST_F(ValueLoad, ZonesWithoutAFieldHaveNoLoaderForIt) {
     EXPECT_EQ(ZorUtilDataValueGetLocation(kSquareFluid, var("Wall shear")), ZorValueLocation_CellCentered);
 }
 
+// A strip of `cells` triangles (two nodes more) in one cell zone, in double
+// or single precision, with pressure values given one per line.
+std::string stripCase(int cells, bool doublePrecision) {
+    char header[96];
+    std::snprintf(header, sizeof header, "(10 (1 1 %x 1 2)(\n", cells + 2);
+    std::string text = std::string("(1 \"a strip of triangles\")\n(2 2)\n") + header;
+    for (int i = 0; i < (cells + 2) / 2; ++i)
+        text += std::to_string(i) + " 0\n" + std::to_string(i) + " 1\n";
+    std::snprintf(header, sizeof header, "))\n(12 (2 1 %x 1 1))\n", cells);
+    return text + header + "(13 (3 1 1 2 2)(\n1 2 1 0\n))\n" +
+           (doublePrecision ? "(37 ((rp-axi? . #f) (rp-double? . #t)))\n" : "");
+}
+
+std::string pressureData(const std::vector<std::string>& numbers) {
+    std::string text = "(300 (1 2 1 0 0 1 " + std::to_string(numbers.size()) + ")\n(\n";
+    for (const std::string& number : numbers)
+        text += number + "\n";
+    return text + "))\n";
+}
+
 TEST_F(ValueLoad, ManyValuesPassInBlocksAndKeepTheirRange) {
     // 2500 cells: more than two blocks of 1024 values.
-    std::string numbers;
+    std::vector<std::string> numbers;
     for (int i = 0; i < 2500; ++i)
-        numbers += std::to_string(i - 1000) + "\n";
-    std::string caseText = "(1 \"a strip of triangles\")\n(2 2)\n(10 (1 1 9c6 1 2)(\n";
-    for (int i = 0; i < 1251; ++i)
-        caseText += std::to_string(i) + " 0\n" + std::to_string(i) + " 1\n";
-    caseText += "))\n(12 (2 1 9c4 1 1))\n(13 (3 1 1 2 2)(\n1 2 1 0\n))\n";
-    const std::string casePath = write("strip.cas", caseText);
-    const std::string dataPath = write("strip.dat", "(300 (1 2 1 0 0 1 2500)\n(\n" + numbers + "))\n");
-    ASSERT_TRUE(loadPair(casePath, dataPath)) << testing::PrintToString(shown());
-    const std::vector<double> pressure = values(1, var("Pressure"));
-    ASSERT_EQ(pressure.size(), 2500u);
-    for (int i = 0; i < 2500; ++i)
-        ASSERT_EQ(pressure[static_cast<size_t>(i)], i - 1000) << i;
-    ZorFieldData data = ZorUtilDataValueGetReadableNativeRef(1, var("Pressure"));
-    double minimum = 0, maximum = 0;
-    ZorUtilDataValueGetMinMaxByRef(data, &minimum, &maximum);
-    EXPECT_EQ(minimum, -1000);
-    EXPECT_EQ(maximum, 1499);
+        numbers.push_back(std::to_string(i - 1000));
+    for (bool doublePrecision : {true, false}) {
+        SCOPED_TRACE(doublePrecision ? "double" : "single");
+        dropEverything();
+        const std::string casePath = write("strip.cas", stripCase(2500, doublePrecision));
+        const std::string dataPath = write("strip.dat", pressureData(numbers));
+        ASSERT_TRUE(loadPair(casePath, dataPath)) << testing::PrintToString(shown());
+        EXPECT_EQ(ZorUtilDataValueGetType(1, var("Pressure")),
+                  doublePrecision ? ZorFieldDataType_Double : ZorFieldDataType_Float);
+        const std::vector<double> pressure = values(1, var("Pressure"));
+        ASSERT_EQ(pressure.size(), 2500u);
+        for (int i = 0; i < 2500; ++i)
+            ASSERT_EQ(pressure[static_cast<size_t>(i)], i - 1000) << i;
+        // Whole blocks, then the rest.
+        EXPECT_EQ(minihost::valueArrayWrites(1, var("Pressure")), (std::vector<int64_t>{1024, 1024, 452}));
+        ZorFieldData data = ZorUtilDataValueGetReadableNativeRef(1, var("Pressure"));
+        double minimum = 0, maximum = 0;
+        ZorUtilDataValueGetMinMaxByRef(data, &minimum, &maximum);
+        EXPECT_EQ(minimum, -1000);
+        EXPECT_EQ(maximum, 1499);
+    }
+}
+
+TEST_F(ValueLoad, ValuesOfWholeBlocksEndInAnEmptyBlock) {
+    std::vector<std::string> numbers;
+    for (int i = 0; i < 2048; ++i)
+        numbers.push_back(std::to_string(i % 7) + ".5");
+    for (bool doublePrecision : {true, false}) {
+        SCOPED_TRACE(doublePrecision ? "double" : "single");
+        dropEverything();
+        ASSERT_TRUE(loadPair(write("strip.cas", stripCase(2048, doublePrecision)),
+                             write("strip.dat", pressureData(numbers))))
+            << testing::PrintToString(shown());
+        const std::vector<double> pressure = values(1, var("Pressure"));
+        ASSERT_EQ(pressure.size(), 2048u);
+        for (int i = 0; i < 2048; ++i)
+            ASSERT_EQ(pressure[static_cast<size_t>(i)], i % 7 + 0.5) << i;
+        EXPECT_EQ(minihost::valueArrayWrites(1, var("Pressure")), (std::vector<int64_t>{1024, 1024, 0}));
+    }
+}
+
+// The range of a variable is the one a comparison value by value gives: of
+// zeros of both signs the first one met, NaN passed over, in whichever block.
+TEST_F(ValueLoad, RangeKeepsTheFirstZeroMetAndPassesOverNaN) {
+    struct Case {
+        std::vector<std::string> numbers;
+        double minimum, maximum;
+    };
+    std::vector<Case> cases;
+    for (size_t place : {size_t{0}, size_t{3}, size_t{1023}, size_t{1500}}) {
+        // Positive numbers, then -0 at `place` and 0 behind it: the minimum is -0.
+        Case positive{std::vector<std::string>(2100, "2.5"), -0.0, 2.5};
+        positive.numbers[place] = "-0";
+        positive.numbers[place + 7] = "0";
+        positive.numbers[place + 1] = "nan";
+        cases.push_back(positive);
+        // Negative numbers, then 0 at `place` and -0 behind it: the maximum is +0.
+        Case negative{std::vector<std::string>(2100, "-4"), -4.0, 0.0};
+        negative.numbers[place] = "0";
+        negative.numbers[place + 500] = "-0";
+        negative.numbers[2099 - place] = "nan";
+        cases.push_back(negative);
+    }
+    for (const Case& c : cases) {
+        dropEverything();
+        ASSERT_TRUE(
+            loadPair(write("strip.cas", stripCase(2100, true)), write("strip.dat", pressureData(c.numbers))))
+            << testing::PrintToString(shown());
+        ASSERT_EQ(values(1, var("Pressure")).size(), 2100u);
+        ZorFieldData data = ZorUtilDataValueGetReadableNativeRef(1, var("Pressure"));
+        double minimum = 1, maximum = 1;
+        ZorUtilDataValueGetMinMaxByRef(data, &minimum, &maximum);
+        EXPECT_EQ(minimum, c.minimum);
+        EXPECT_EQ(std::signbit(minimum), std::signbit(c.minimum));
+        EXPECT_EQ(maximum, c.maximum);
+        EXPECT_EQ(std::signbit(maximum), std::signbit(c.maximum));
+    }
 }
 
 }  // namespace
