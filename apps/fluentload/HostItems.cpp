@@ -113,25 +113,83 @@ bool fetchValues(ZorIndex zone, ZorIndex var, Values* out) {
 
 namespace {
 
-// Smallest, largest and sum of n values, in order, as doubles. The choices
-// are std::min(lo, v) and std::max(hi, v) written out, and the loop is a
-// function of its own: inside the caller the three running values went to
-// memory and back for every value, which took twice the time.
+// The first zero of n values, of either sign; the caller knows there is one.
+template <typename T>
+double firstZero(const T* values, int64_t n) {
+    for (int64_t i = 0; i < n; ++i) {
+        if (static_cast<double>(values[i]) == 0.0)
+            return static_cast<double>(values[i]);
+    }
+    return 0.0;
+}
+
+// Smallest, largest and sum of n values, as doubles, in four interleaved
+// lanes (value i goes to lane i mod 4), which the processor runs side by
+// side: one running sum waits for each addition before the next. The loop is
+// a function of its own: inside the caller the running values went to memory
+// and back for every value, which took twice the time.
+//
+// The smallest and largest are those of the loop value by value from the
+// first value on (lo = v < lo ? v : lo): NaN is passed over, and of zeros of
+// both signs the first one met is kept, which is looked up where the lanes
+// end on a zero. The sum is the lanes' sums added (0 + 2) + (1 + 3), then the
+// values of an incomplete last group, in order.
 template <typename T>
 [[gnu::noinline]] void accumulate(const T* values, int64_t n, ValueStats* s) {
-    double lo = std::numeric_limits<double>::infinity(), hi = -lo, sum = 0.0;
-    for (int64_t i = 0; i < n; ++i) {
-        const double v = static_cast<double>(values[i]);
-        lo = v < lo ? v : lo;
-        hi = hi < v ? v : hi;
-        sum += v;
+    const double infinity = std::numeric_limits<double>::infinity();
+    double lo[4] = {infinity, infinity, infinity, infinity};
+    double hi[4] = {-infinity, -infinity, -infinity, -infinity};
+    double sum[4] = {0.0, 0.0, 0.0, 0.0};
+    int64_t i = 0;
+    for (; i + 4 <= n; i += 4) {
+        for (int k = 0; k < 4; ++k) {
+            const double v = static_cast<double>(values[i + k]);
+            lo[k] = v < lo[k] ? v : lo[k];
+            hi[k] = hi[k] < v ? v : hi[k];
+            sum[k] += v;
+        }
     }
-    s->min = lo;
-    s->max = hi;
-    s->sum = sum;
+    double low = infinity, high = -infinity, total = (sum[0] + sum[2]) + (sum[1] + sum[3]);
+    for (int k = 0; k < 4; ++k) {
+        low = lo[k] < low ? lo[k] : low;
+        high = high < hi[k] ? hi[k] : high;
+    }
+    for (; i < n; ++i) {
+        const double v = static_cast<double>(values[i]);
+        low = v < low ? v : low;
+        high = high < v ? v : high;
+        total += v;
+    }
+    s->min = low == 0.0 ? firstZero(values, n) : low;
+    s->max = high == 0.0 ? firstZero(values, n) : high;
+    s->sum = total;
 }
 
 }  // namespace
+
+// The statistics of `count` values of `type` at `raw`; false for a type
+// without a raw layout (bits, for which a copy holds one byte per value).
+static bool accumulateRaw(int32_t type, const void* raw, int64_t count, ValueStats* s) {
+    switch (type) {
+        case ZorFieldDataType_Double:
+            accumulate(static_cast<const double*>(raw), count, s);
+            return true;
+        case ZorFieldDataType_Float:
+            accumulate(static_cast<const float*>(raw), count, s);
+            return true;
+        case ZorFieldDataType_Int32:
+            accumulate(static_cast<const int32_t*>(raw), count, s);
+            return true;
+        case ZorFieldDataType_Int16:
+            accumulate(static_cast<const int16_t*>(raw), count, s);
+            return true;
+        case ZorFieldDataType_Byte:
+            accumulate(static_cast<const unsigned char*>(raw), count, s);
+            return true;
+        default:
+            return false;
+    }
+}
 
 bool fetchValueStats(ZorIndex zone, ZorIndex var, Values* scratch, ValueStats* stats) {
     RequestGuard guard;
@@ -148,41 +206,19 @@ bool fetchValueStats(ZorIndex zone, ZorIndex var, Values* scratch, ValueStats* s
     const void* raw =
         count == 0 || type == ZorFieldDataType_Bit ? nullptr : ZorUtilDataValueGetReadableRawPtr(data);
     // Read where the host keeps the values: a copy of every array would cost
-    // more than the statistics.
-    switch (raw != nullptr ? type : ZorFieldDataType_Invalid) {
-        case ZorFieldDataType_Double:
-            accumulate(static_cast<const double*>(raw), count, &s);
-            break;
-        case ZorFieldDataType_Float:
-            accumulate(static_cast<const float*>(raw), count, &s);
-            break;
-        case ZorFieldDataType_Int32:
-            accumulate(static_cast<const int32_t*>(raw), count, &s);
-            break;
-        case ZorFieldDataType_Int16:
-            accumulate(static_cast<const int16_t*>(raw), count, &s);
-            break;
-        case ZorFieldDataType_Byte:
-            accumulate(static_cast<const unsigned char*>(raw), count, &s);
-            break;
-        default:
-            // No raw array (or no values): a copy, read value by value.
-            if (!copyValues(data, scratch))
+    // more than the statistics. Without a raw array (or without values), a
+    // copy, taken the same way, so that both give the same figures.
+    if (raw == nullptr || !accumulateRaw(type, raw, count, &s)) {
+        if (!copyValues(data, scratch))
+            return false;
+        s.count = scratch->count;
+        if (scratch->count > 0) {
+            // Bits are copied as one byte each.
+            const int32_t copied =
+                scratch->type == ZorFieldDataType_Bit ? ZorFieldDataType_Byte : scratch->type;
+            if (!accumulateRaw(copied, scratch->bytes.data(), scratch->count, &s))
                 return false;
-            s.count = scratch->count;
-            if (scratch->count > 0) {
-                double lo = std::numeric_limits<double>::infinity(), hi = -lo, sum = 0.0;
-                for (int64_t i = 0; i < scratch->count; ++i) {
-                    double v = scratch->at(i);
-                    lo = std::min(lo, v);
-                    hi = std::max(hi, v);
-                    sum += v;
-                }
-                s.min = lo;
-                s.max = hi;
-                s.sum = sum;
-            }
-            break;
+        }
     }
     *stats = s;
     return true;

@@ -277,6 +277,7 @@ class DataSetReport : public ::testing::Test {
         minihost::setMemoryBudget(0);
         fluentload::setRequestsSerialized(false);
         minihost::setInterrupt(false);
+        minihost::setRawPointersOffered(true);
     }
     Builder builder;
 };
@@ -736,6 +737,66 @@ TEST(CountOutside, CountsEveryNumberOutsideTheRangeAsThePlainComparison) {
     // Of 7 points: 1, 5 and 6 of the edges lie inside, besides 0.
     const std::vector<int32_t> edges = {kMin, -1, 0, 1, 5, 6, 7, kMax};
     EXPECT_EQ(fluentload::countOutside(edges.data(), edges.size(), 7), 4);
+}
+
+// The statistics of a pull: smallest and largest as a comparison value by
+// value from the first gives them (NaN passed over, of zeros of both signs
+// the first met), the sum of every value; the same figures whether they are
+// read where the host keeps the values or from a copy.
+TEST_F(DataSetReport, PullStatisticsKeepTheFirstZeroPassOverNaNAndAgreeWithoutRawArrays) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    std::vector<std::vector<double>> columns;
+    for (size_t place : {size_t{0}, size_t{2}, size_t{5}, size_t{13}}) {
+        std::vector<double> above(19, 2.5), below(19, -4.0);
+        above[place] = -0.0;
+        above[place + 3] = 0.0;
+        above[18 - place] = nan;
+        below[place] = 0.0;
+        below[place + 4] = -0.0;
+        columns.push_back(above);
+        columns.push_back(below);
+    }
+    std::vector<double> ramp(19);
+    for (size_t i = 0; i < ramp.size(); ++i)
+        ramp[i] = 0.125 * static_cast<double>(i) - 1.0;
+    columns.push_back(ramp);
+    for (bool raw : {true, false}) {
+        SCOPED_TRACE(raw ? "raw arrays" : "copies");
+        minihost::setRawPointersOffered(raw);
+        std::vector<std::string> names;
+        for (size_t c = 0; c < columns.size(); ++c)
+            names.push_back("V" + std::to_string(c));
+        builder.newDataSet("Statistics", names);
+        const std::vector<int32_t> types(columns.size(), ZorFieldDataType_Double),
+            locations(columns.size(), N);
+        ZorIndex z = builder.addZone("points", ZorZoneType_Ordered, 19, 1, 1, types, locations, 0, 0.0);
+        for (size_t c = 0; c < columns.size(); ++c)
+            builder.setValues(z, static_cast<ZorIndex>(c + 1), columns[c]);
+        DataSetInfo info = fluentload::readDataSetInfo();
+        fluentload::PullReport report = fluentload::pullDataSet(&info, 1, nullptr);
+        ASSERT_EQ(report.failed, 0);
+        for (size_t c = 0; c < columns.size(); ++c) {
+            const fluentload::ValueStats& s = info.zones[0].values[c].stats;
+            double low = std::numeric_limits<double>::infinity(), high = -low, sum = 0.0;
+            for (double v : columns[c]) {
+                low = v < low ? v : low;
+                high = high < v ? v : high;
+                sum += v;
+            }
+            SCOPED_TRACE("column " + std::to_string(c));
+            EXPECT_EQ(s.count, 19);
+            EXPECT_EQ(s.min, low);
+            EXPECT_EQ(std::signbit(s.min), std::signbit(low));
+            EXPECT_EQ(s.max, high);
+            EXPECT_EQ(std::signbit(s.max), std::signbit(high));
+            // Every sum here is exact in any order, or NaN.
+            if (std::isnan(sum)) {
+                EXPECT_TRUE(std::isnan(s.sum));
+            } else {
+                EXPECT_EQ(s.sum, sum);
+            }
+        }
+    }
 }
 
 TEST_F(DataSetReport, NodeMapOutsideTheZoneIsCaughtByThePullAndTheExport) {
