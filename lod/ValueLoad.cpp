@@ -37,44 +37,30 @@ class BlockWriter {
     // double array goes to the host from where the values lie: the host
     // copies it, as it copies the buffer.
     void putRun(const double* values, int64_t count) {
-        while (count > 0) {
-            if (filled_ == 0 && isDouble_ && count >= kBlockSize) {
-                widenRunningRange(values, kBlockSize, &minimum, &maximum);
-                send(kBlockSize, values);
-                values += kBlockSize;
-                count -= kBlockSize;
-                continue;
-            }
-            const int32_t take = static_cast<int32_t>(std::min<int64_t>(count, kBlockSize - filled_));
-            widenRunningRange(values, take, &minimum, &maximum);
-            if (isDouble_) {
-                std::memcpy(doubles_ + filled_, values, static_cast<size_t>(take) * sizeof(double));
-            } else {
-                narrow(values, take, floats_ + filled_);
-            }
+        int64_t sent = 0;
+        for (; isDouble_ && filled_ == 0 && count - sent >= kBlockSize; sent += kBlockSize) {
+            widenRunningRange(values + sent, kBlockSize, &minimum, &maximum);
+            send(kBlockSize, values + sent);
+        }
+        putEach(count - sent, [values, sent](int64_t i) { return values[sent + i]; });
+    }
+    // Writes `count` values, value i being valueAt(i): gathered a block at a
+    // time into the buffer, whose range is then taken in one go.
+    template <typename ValueAt>
+    void putEach(int64_t count, ValueAt valueAt) {
+        for (int64_t i = 0; i < count;) {
+            const int32_t take = static_cast<int32_t>(std::min<int64_t>(count - i, kBlockSize - filled_));
+            double* out = doubles_ + filled_;
+            for (int32_t k = 0; k < take; ++k)
+                out[k] = valueAt(i + k);
+            widenRunningRange(out, take, &minimum, &maximum);
+            if (!isDouble_)
+                narrow(out, take, floats_ + filled_);
             filled_ += take;
-            values += take;
-            count -= take;
+            i += take;
             if (filled_ == kBlockSize)
                 flush();
         }
-    }
-    // Room for the values of the next block, which the caller writes there
-    // itself and then hands over with commit(): at most room() of them.
-    double* room() { return doubles_ + filled_; }
-    int32_t roomLeft() const { return kBlockSize - filled_; }
-    void commit(int32_t count) {
-        widenRunningRange(doubles_ + filled_, count, &minimum, &maximum);
-        if (!isDouble_)
-            narrow(doubles_ + filled_, count, floats_ + filled_);
-        filled_ += count;
-        if (filled_ == kBlockSize)
-            flush();
-    }
-    // Writes one value.
-    void put(double value) {
-        *room() = value;
-        commit(1);
     }
     // Writes what the buffer holds, also when that is nothing.
     void flush() {
@@ -282,18 +268,12 @@ bool coordVarLoad(ZorFieldData fieldData) {
             const int32_t dimension = caseFile->numDimensions;
             const double* positions = caseFile->nodePositions;
             const double* column = positions + clientData->component;
-            for (int32_t i = 0; i < numPoints;) {
-                const int32_t take = std::min(numPoints - i, writer.roomLeft());
-                double* out = writer.room();
-                if (zoneToGlobal != nullptr) {
-                    for (int32_t k = 0; k < take; ++k)
-                        out[k] = column[(static_cast<int64_t>(zoneToGlobal[i + k]) - 1) * dimension];
-                } else {
-                    for (int32_t k = 0; k < take; ++k)
-                        out[k] = column[static_cast<int64_t>(i + k) * dimension];
-                }
-                writer.commit(take);
-                i += take;
+            if (zoneToGlobal != nullptr) {
+                writer.putEach(numPoints, [&](int64_t i) {
+                    return column[(static_cast<int64_t>(zoneToGlobal[i]) - 1) * dimension];
+                });
+            } else {
+                writer.putEach(numPoints, [&](int64_t i) { return column[i * dimension]; });
             }
         }
         writer.flush();
@@ -405,8 +385,8 @@ bool fieldVarLoad(ZorFieldData fieldData) {
             // The component's values lie one after another.
             writer.putRun(field->values + static_cast<int64_t>(component) * count, count);
         } else {
-            for (int32_t e = 0; e < count; ++e)
-                writer.put(field->values[static_cast<int64_t>(e) * dimension + component]);
+            const double* values = field->values + component;
+            writer.putEach(count, [&](int64_t e) { return values[e * dimension]; });
         }
         writer.flush();
         handOverRange(fieldData, clientData, writer);
