@@ -466,33 +466,48 @@ static inline int32_t placeAt(const unsigned char* rows, int64_t place) {
     return value;
 }
 
-// Whether every one of `faces` rows of a block (Nodes nodes, then two cells)
-// has all its nodes in 1..totalNodes and its first cell in first..last, so
-// that every node of every face is marked with no test left to make. Four
-// rows fill Nodes + 2 groups of lanes exactly: lane l of group v always holds
-// place (4 v + l) mod (Nodes + 2) of a row, and one bound per lane checks it.
+// The bounds that the rows of a zone of Nodes nodes are checked against:
+// every node in 1..totalNodes, the first cell in first..last, the second
+// cell anything. Four rows fill Nodes + 2 groups of lanes exactly: lane l of
+// group v always holds place (4 v + l) mod (Nodes + 2) of a row, and one
+// bound per lane checks it. A place is inside when value - low <= span, as
+// unsigned numbers; the comparison is the signed one of SSE2 on both sides
+// with the sign bit flipped.
 template <int Nodes>
-static bool facesAreInside(const unsigned char* rows, int64_t faces, int32_t totalNodes, int32_t first,
-                           int32_t last) {
-    constexpr int kWidth = Nodes + 2;
-    if (totalNodes < 1 || last < first) {
-        return false;
-    }
-    // A place is inside when value - low <= span, as unsigned numbers; the
-    // comparison is the signed one of SSE2 on both sides with the sign bit
-    // flipped. The second cell may hold anything.
-    const uint32_t kSign = 0x80000000u;
-    Lanes low[kWidth], span[kWidth];
-    for (int v = 0; v < kWidth; ++v) {
-        for (int l = 0; l < 4; ++l) {
-            const int place = (4 * v + l) % kWidth;
-            low[v][l] = place < Nodes ? 1u : place == Nodes ? static_cast<uint32_t>(first) : 0u;
-            const uint32_t width = place < Nodes ? static_cast<uint32_t>(totalNodes) - 1u
-                                   : place == Nodes
-                                       ? static_cast<uint32_t>(last) - static_cast<uint32_t>(first)
-                                       : UINT32_MAX;
-            span[v][l] = width ^ kSign;
+struct RowBounds {
+    static constexpr int kWidth = Nodes + 2;
+    static constexpr uint32_t kSign = 0x80000000u;
+    Lanes low[kWidth];   // subtracted from each place
+    Lanes span[kWidth];  // largest difference inside, sign bit flipped
+    int32_t totalNodes;  // nodes of the case
+    int32_t first;       // lowest first cell inside
+    int32_t last;        // highest first cell inside
+    bool none;           // no row can be inside: no nodes, or an empty cell range
+
+    RowBounds(int32_t totalNodesIn, int32_t firstIn, int32_t lastIn)
+        : totalNodes(totalNodesIn), first(firstIn), last(lastIn), none(totalNodesIn < 1 || lastIn < firstIn) {
+        for (int v = 0; v < kWidth; ++v) {
+            for (int l = 0; l < 4; ++l) {
+                const int place = (4 * v + l) % kWidth;
+                low[v][l] = place < Nodes ? 1u : place == Nodes ? static_cast<uint32_t>(first) : 0u;
+                const uint32_t width = place < Nodes ? static_cast<uint32_t>(totalNodes) - 1u
+                                       : place == Nodes
+                                           ? static_cast<uint32_t>(last) - static_cast<uint32_t>(first)
+                                           : UINT32_MAX;
+                span[v][l] = width ^ kSign;
+            }
         }
+    }
+};
+
+// Whether every one of `faces` rows (Nodes nodes, then two cells) lies
+// inside `bounds`, so that every node of every face is marked with no test
+// left to make.
+template <int Nodes>
+static bool facesAreInside(const RowBounds<Nodes>& bounds, const unsigned char* rows, int64_t faces) {
+    constexpr int kWidth = Nodes + 2;
+    if (bounds.none) {
+        return false;
     }
     LaneFlags outside = {0, 0, 0, 0};
     int64_t f = 0;
@@ -501,20 +516,40 @@ static bool facesAreInside(const unsigned char* rows, int64_t faces, int32_t tot
         for (int v = 0; v < kWidth; ++v) {
             Lanes x;
             memcpy(&x, group + 16 * v, sizeof x);
-            outside |=
-                reinterpret_cast<LaneFlags>((x - low[v]) ^ kSign) > reinterpret_cast<LaneFlags>(span[v]);
+            outside |= reinterpret_cast<LaneFlags>((x - bounds.low[v]) ^ RowBounds<Nodes>::kSign) >
+                       reinterpret_cast<LaneFlags>(bounds.span[v]);
         }
     }
     bool inside = outside[0] == 0 && outside[1] == 0 && outside[2] == 0 && outside[3] == 0;
     for (; inside && f < faces; ++f) {
         for (int k = 0; k < Nodes; ++k) {
             const int32_t node = placeAt(rows, f * kWidth + k);
-            inside = inside && node >= 1 && node <= totalNodes;
+            inside = inside && node >= 1 && node <= bounds.totalNodes;
         }
         const int32_t cell = placeAt(rows, f * kWidth + Nodes);
-        inside = inside && first <= cell && cell <= last;
+        inside = inside && bounds.first <= cell && cell <= bounds.last;
     }
     return inside;
+}
+
+// Marks every node of `faces` rows whose nodes are known to be in the case.
+// A face's nodes are all loaded before the first is marked, four stores in a
+// row: a mark is a byte, which may alias the rows, so the compiler could not
+// move a load that follows a mark ahead of it.
+template <int Nodes, typename Mark>
+static inline void markInsideFaces(Mark* marks, const unsigned char* rows, int64_t faces) {
+    constexpr int kWidth = Nodes + 2;
+    for (int64_t f = 0; f < faces; ++f, rows += 4 * kWidth) {
+        uint32_t g[Nodes];
+#pragma GCC unroll 4
+        for (int k = 0; k < Nodes; ++k) {
+            g[k] = static_cast<uint32_t>(placeAt(rows, k) - 1);
+        }
+#pragma GCC unroll 4
+        for (int k = 0; k < Nodes; ++k) {
+            setMark(marks, g[k]);
+        }
+    }
 }
 
 // Takes the non-zero cells on side 0 of `faces` rows of `width` places, the
@@ -558,6 +593,8 @@ struct FaceRows {
 // One buffer for every read of a marking thread, since a fresh one costs
 // its pages' faults each time.
 constexpr int64_t kMarkFacesPerBlock = 8192;
+// Faces checked and then marked together: 3 kB of rows at most.
+constexpr int64_t kMarkFacesPerRun = 128;
 using MarkBlock = std::unique_ptr<int32_t[]>;
 static MarkBlock newMarkBlock() {
     return MarkBlock(new (std::nothrow) int32_t[6 * kMarkFacesPerBlock]);
@@ -583,6 +620,7 @@ static bool markStreamedFaces(const FaceMarking<Mark>& job, FILE* stream, int64_
     Mark* const marks = job.marks;
     int32_t* const block = buffer.rows;
     const bool swap = job.caseFile->machineConfig.byteOrder != hostByteOrder;
+    const RowBounds<Nodes> bounds(totalNodes, first, last);
     for (int64_t done = begin; done < end;) {
         if (job.stop->load(std::memory_order_relaxed)) {
             return false;
@@ -607,22 +645,31 @@ static bool markStreamedFaces(const FaceMarking<Mark>& job, FILE* stream, int64_
         if (job.sideZero != nullptr) {
             widenSideZero(job.sideZero, rows, Nodes, faces, kWidth);
         }
-        if (facesAreInside<Nodes>(rows, faces, totalNodes, first, last)) {
-            // The common block: every node of every face is marked.
-            const unsigned char* p = rows;
-            for (int64_t f = 0; f < faces; ++f, p += 4 * kWidth) {
-                for (int k = 0; k < Nodes; ++k) {
-                    setMark(marks, static_cast<uint32_t>(placeAt(p, k) - 1));
-                }
+        // The common block: checked and marked a run of faces at a time, so
+        // that a run's rows are marked while they are in the first-level
+        // cache; from the first run with a face outside the bounds on, face
+        // by face.
+        int64_t checked = 0;
+        while (checked < faces) {
+            const int64_t run = std::min(kMarkFacesPerRun, faces - checked);
+            const unsigned char* runRows = rows + 4 * checked * kWidth;
+            if (!facesAreInside(bounds, runRows, run)) {
+                break;
             }
+            markInsideFaces<Nodes>(marks, runRows, run);
+            checked += run;
+        }
+        if (checked == faces) {
             done += faces;
             continue;
         }
+        const int32_t* p = block + checked * kWidth;
         if (rows != reinterpret_cast<const unsigned char*>(block)) {
-            memcpy(block, rows, want * sizeof(int32_t));  // aligned for the face-by-face marking
+            // aligned for the face-by-face marking
+            memcpy(block, rows + 4 * checked * kWidth, static_cast<size_t>((faces - checked) * kWidth) * 4);
+            p = block;
         }
-        const int32_t* p = block;
-        for (int64_t f = 0; f < faces; ++f, p += kWidth) {
+        for (int64_t f = checked; f < faces; ++f, p += kWidth) {
             for (int k = 0; k < Nodes; ++k) {
                 if (p[k] < 1) {
                     return false;

@@ -249,6 +249,53 @@ TEST_F(NodeCountTest, NodesAboveTheCaseAreLeftOut) {
     }
 }
 
+// A box of 24 x 20 x 20 hexahedra: its interior zone (id 2) has 27,440
+// faces, more than one read of 8192 faces, which is checked and marked a
+// run of faces at a time.
+fluentgen::Spec largeBox(fluentgen::ByteOrder order) {
+    fluentgen::Spec spec = box(MeshKind::Hex);
+    spec.cells = {24, 20, 20};
+    spec.byteOrder = order;
+    return spec;
+}
+
+// A 4-byte integer as a file of `order` holds it.
+std::string int32BytesIn(fluentgen::ByteOrder order, int32_t value) {
+    const std::string bytes = int32Bytes(value);
+    const bool here = order == fluentgen::ByteOrder::Little;
+    const uint16_t probe = 1;
+    const bool littleMachine = *reinterpret_cast<const uint8_t*>(&probe) == 1;
+    return here == littleMachine ? bytes : std::string(bytes.rbegin(), bytes.rend());
+}
+
+TEST_F(NodeCountTest, AFaceBehindTheFirstRunsOfARead) {
+    // A face outside the checks, a run or more into a read of faces, with the
+    // runs before it marked: the rest of the read goes face by face, from
+    // that run on, in the file's byte order or the other, mapped or not. A
+    // node above the case is left out (the box's other faces hold it), a
+    // node of 0 gives the load's message.
+    const int32_t nodes = 25 * 21 * 21;
+    for (fluentgen::ByteOrder order : {fluentgen::ByteOrder::Little, fluentgen::ByteOrder::Big}) {
+        for (int64_t face : {int64_t{200}, int64_t{5001}, int64_t{8191}, int64_t{8192 + 700}}) {
+            SCOPED_TRACE(std::to_string(static_cast<int>(order)) + " " + std::to_string(face));
+            int width = 0;
+            const std::string above = write(largeBox(order), "above.cas");
+            poke(above, facePlace(above, 2, face, 2, &width), int32BytesIn(order, nodes + 5));
+            expectOneZoneOf(above, nodes);
+
+            const std::string bad = write(largeBox(order), "bad.cas");
+            poke(bad, facePlace(bad, 2, face, 1, &width), int32BytesIn(order, 0));
+            const Numbering streaming = compare(bad);
+            EXPECT_FALSE(streaming.ok);
+            ASSERT_EQ(streaming.messages.size(), 1u);
+            EXPECT_EQ(streaming.messages[0], "Bad node number 0 for node 2 of face #" +
+                                                 std::to_string(face + 1) +
+                                                 " in Faces section (Section 3013).");
+        }
+    }
+    EXPECT_GT(mappedBodies_, 0);
+}
+
 TEST_F(NodeCountTest, FacesWithNoCellOfTheZoneAreNotCounted) {
     // A corner node of a box lies on three boundary faces and no interior
     // one: with a cell outside the zone on side 0 of those faces (side 1 of
